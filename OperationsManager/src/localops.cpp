@@ -1,17 +1,19 @@
 #include <string>
 
 #include "OperationsManager/src/opsformat.h"
-#include "OperationsManager/src/opsstatushistory.h"
 #include "Util/AttributeSet.h"
 #include "Util/Exception.h"
 #include "Util/Ops.h"
+#include "Util/StatusHistory.h"
 #include "Util/Win32.h"
 
 namespace Util {
 
 namespace {
 
-const char* OrEmpty(const char* text) { return text ? text : ""; }
+const char* OrEmpty(const char* text) {
+    return text ? text : "";
+}
 
 } // namespace
 
@@ -38,7 +40,8 @@ void LocalOps::ReportExited() {
 Status LocalOps::ReportStatus(const Status& status, long line) {
     ErrorStateGuard errorState;
     // Recorded whether or not anyone listens: callers read it back as the last status.
-    OpsDetail::RecordLastStatus(status);
+    if (StatusHistory* history = GetStatusHistory())
+        history->SetLastStatus(status);
     m_context.SetLine(line);
     if (Ops::IsEventLevelActive(Ops::kFuncStatus, Ops::kLvlNA)) {
         Ops& ops = GetOps();

@@ -26,15 +26,13 @@ constexpr uint32_t kAllTypes = (1u << OpsEventMask::kTypeCount) - 1;
 constexpr uint32_t kAllLevels = (1u << OpsEventMask::kLevelCount) - 1;
 
 const char* const kEventTypeStrs[] = {
-    Ops::kFuncEnterStr,       Ops::kFuncStatusStr,     Ops::kFuncExitStr,
-    Ops::kAssertStr,          Ops::kVerifyStr,         Ops::kMessageStr,
-    Ops::kCheckpointStr,      Ops::kDumpStr,           Ops::kObjectConstructStr,
-    Ops::kObjectCopyStr,      Ops::kObjectAssignStr,   Ops::kObjectDestructStr,
+    Ops::kFuncEnterStr,       Ops::kFuncStatusStr, Ops::kFuncExitStr,     Ops::kAssertStr,
+    Ops::kVerifyStr,          Ops::kMessageStr,    Ops::kCheckpointStr,   Ops::kDumpStr,
+    Ops::kObjectConstructStr, Ops::kObjectCopyStr, Ops::kObjectAssignStr, Ops::kObjectDestructStr,
     Ops::kSendErrorStr,       Ops::kDeprecatedStr};
-const char* const kLevelStrs[] = {Ops::kLvlNAStr,         Ops::kLvlInfoDetailStr,
-                                  Ops::kLvlInfoSummaryStr, Ops::kLvlWarningStr,
-                                  Ops::kLvlErrorStr,       Ops::kLvlSevereErrorStr,
-                                  Ops::kLvlFatalErrorStr};
+const char* const kLevelStrs[] = {
+    Ops::kLvlNAStr,    Ops::kLvlInfoDetailStr,  Ops::kLvlInfoSummaryStr, Ops::kLvlWarningStr,
+    Ops::kLvlErrorStr, Ops::kLvlSevereErrorStr, Ops::kLvlFatalErrorStr};
 
 // Checked only as a whole text: this one message is always reported as not handled.
 const char kCrashDumpMessage[] = "301 or 305 crash dump";
@@ -82,21 +80,29 @@ Ops::Ops()
 
 Ops::~Ops() = default;
 
-bool Ops::Initialized() noexcept { return g_initialized.load(std::memory_order_acquire); }
+bool Ops::Initialized() noexcept {
+    return g_initialized.load(std::memory_order_acquire);
+}
 
-bool Ops::IsOperational() const noexcept { return m_operational.load(std::memory_order_acquire); }
+bool Ops::IsOperational() const noexcept {
+    return m_operational.load(std::memory_order_acquire);
+}
 
 const OpsContext* Ops::GetOpsContext() const noexcept {
     return m_pContext.load(std::memory_order_acquire);
 }
 
-OpsSubscriptionManager& Ops::GetSubscriptionManager() noexcept { return *m_pSubscriptionManager; }
+OpsSubscriptionManager& Ops::GetSubscriptionManager() noexcept {
+    return *m_pSubscriptionManager;
+}
 
 OpsMessageHandlerManager& Ops::GetMessageHandlerManager() noexcept {
     return OpsMessageHandlerManager::GetInstance();
 }
 
-OpsBridge& Ops::GetBridge() noexcept { return *m_pBridge; }
+OpsBridge& Ops::GetBridge() noexcept {
+    return *m_pBridge;
+}
 
 void Ops::SetBridge(std::unique_ptr<OpsBridge> bridge) {
     {
@@ -140,6 +146,14 @@ void Ops::BeginOperations(const OpsContext* context) {
     if (context == nullptr)
         return;
     ErrorStateGuard errorState;
+    {
+        // Beginning again after an end: events reported while we start up are queued and
+        // replayed below, as on the first start.
+        std::lock_guard<std::mutex> lock(m_pPending->mutex);
+        int ended = kEnded;
+        m_state.compare_exchange_strong(ended, kNotBegun, std::memory_order_acq_rel);
+    }
+    RefreshActivity();
     m_pContext.store(context, std::memory_order_release);
     if (!m_operational.load(std::memory_order_acquire))
         context->Initialize();
@@ -216,8 +230,8 @@ bool Ops::Dispatch(EventType type, Level level, const SourceContext& context, co
                    const char* unformattedMessage) {
     for (;;) {
         if (m_state.load(std::memory_order_acquire) == kOperational) {
-            const MessageContext messageContext(context, unformattedMessage ? unformattedMessage
-                                                                            : message);
+            const MessageContext messageContext(context,
+                                                unformattedMessage ? unformattedMessage : message);
             const bool handled = OpsMessageHandlerManager::GetInstance().HandleMessage(
                 type, level, messageContext, message);
             if (std::strcmp(message, kCrashDumpMessage) == 0)
@@ -333,8 +347,8 @@ bool Ops::AssertFunctor::operator()(bool report, const char* format, ...) {
 bool Ops::MessageFunctor::operator()(const char* format, ...) {
     if (format == nullptr || !Ops::IsEventLevelActive(m_type, m_level))
         return false;
-    const bool pass = (m_type == kMessage && m_ops.IsLevelActive(m_level)) ||
-                      m_ops.IsEventActive(m_type);
+    const bool pass =
+        (m_type == kMessage && m_ops.IsLevelActive(m_level)) || m_ops.IsEventActive(m_type);
     if (!pass)
         return false;
     ErrorStateGuard errorState;

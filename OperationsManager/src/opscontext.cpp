@@ -1,15 +1,21 @@
 #include "Util/OpsContext.h"
 
 #include "Util/AttributeSet.h"
+#include "Util/Ops.h"
+#include "Util/OpsMessageHandlerManager.h"
 #include "Util/OpsSubscriptionManager.h"
 
 namespace Util {
 
 OpsContext::~OpsContext() = default;
 
-void OpsContext::GetOpsDirectory(TString& directory) const { directory = ""; }
+void OpsContext::GetOpsDirectory(TString& directory) const {
+    directory = "";
+}
 
-void OpsContext::GetOpsLogDirectory(TString& directory) const { directory = ""; }
+void OpsContext::GetOpsLogDirectory(TString& directory) const {
+    directory = "";
+}
 
 void OpsContext::SetOpsFileConfigDirectory(const TString&) {}
 

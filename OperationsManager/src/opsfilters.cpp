@@ -89,9 +89,9 @@ public:
         return OpsEventMask::OfType(m_type);
     }
     TString Describe() const override {
-        return TString((std::string("EVENT_TYPE_FILTER(type=") +
-                        Ops::MapEventTypeToEventTypeStr(m_type) + ")")
-                           .c_str());
+        return TString(
+            (std::string("EVENT_TYPE_FILTER(type=") + Ops::MapEventTypeToEventTypeStr(m_type) + ")")
+                .c_str());
     }
 
 private:
@@ -249,12 +249,12 @@ std::unique_ptr<OpsFilter> MakeIniValueFilter(const AttributeSet& attributes, TS
     }
     const std::size_t split = group.find_last_of("\\/");
     if (split == std::string::npos || split == 0 || split + 1 == group.size()) {
-        error = ("INI_VALUE_FILTER: \"group\" must read Section\\Key, not \"" + group + "\"")
-                    .c_str();
+        error =
+            ("INI_VALUE_FILTER: \"group\" must read Section\\Key, not \"" + group + "\"").c_str();
         return nullptr;
     }
-    return std::unique_ptr<OpsFilter>(new IniValueFilter(file, group.substr(0, split),
-                                                         group.substr(split + 1), expected));
+    return std::unique_ptr<OpsFilter>(
+        new IniValueFilter(file, group.substr(0, split), group.substr(split + 1), expected));
 }
 
 } // namespace

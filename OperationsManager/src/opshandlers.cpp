@@ -18,7 +18,9 @@ namespace {
 
 const char kAlertTitle[] = "Tallywick diagnostics";
 
-TString Text(const std::string& text) { return TString(text.c_str()); }
+TString Text(const std::string& text) {
+    return TString(text.c_str());
+}
 
 // Appends events to a file in the context's log directory. The path is settled on the first
 // event, when operations (and so the context) are known.

@@ -39,8 +39,8 @@ std::map<std::string, std::string> IniFileReader::Parse(const std::string& text)
             continue;
         if (line[0] == '[') {
             const std::size_t close = line.find(']');
-            section = Lower(Trim(line.substr(1, close == std::string::npos ? std::string::npos
-                                                                            : close - 1)));
+            section = Lower(
+                Trim(line.substr(1, close == std::string::npos ? std::string::npos : close - 1)));
             continue;
         }
         const std::size_t equals = line.find('=');

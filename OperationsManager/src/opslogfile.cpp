@@ -94,8 +94,8 @@ bool OpsLogFile::WriteLine(const std::string& line) {
         if (!m_pImpl->file) {
             if (!m_pImpl->reportedFailure) {
                 m_pImpl->reportedFailure = true;
-                const std::string text = "Operations manager: cannot open the log file \"" +
-                                         m_path + "\"\n";
+                const std::string text =
+                    "Operations manager: cannot open the log file \"" + m_path + "\"\n";
                 WriteDebugOutput(text.c_str());
             }
             return false;
@@ -114,7 +114,8 @@ std::string FormatLogLine(const OpsEvent& event, bool stripSourceInfo) {
     char head[160];
     std::snprintf(head, sizeof head, "%s.%03ld [%lu:%lu] %s %s ", LocalSecondText(second),
                   millis < 0 ? millis + 1000 : millis, CurrentProcessId(), CurrentThreadId(),
-                  Ops::MapLevelToLevelStr(event.level), Ops::MapEventTypeToEventTypeStr(event.type));
+                  Ops::MapLevelToLevelStr(event.level),
+                  Ops::MapEventTypeToEventTypeStr(event.type));
     std::string line(head);
     if (!stripSourceInfo)
         line += event.context.GetVisualStudioPrefix().c_str();

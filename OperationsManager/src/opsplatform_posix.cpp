@@ -12,7 +12,9 @@
 namespace Util {
 namespace OpsDetail {
 
-unsigned long CurrentProcessId() { return static_cast<unsigned long>(::getpid()); }
+unsigned long CurrentProcessId() {
+    return static_cast<unsigned long>(::getpid());
+}
 
 unsigned long CurrentThreadId() {
     // The kernel's thread id, the number tools such as top and gdb show.
@@ -21,7 +23,9 @@ unsigned long CurrentThreadId() {
     return s_tid;
 }
 
-bool ToLocalTime(std::time_t time, std::tm& out) { return ::localtime_r(&time, &out) != nullptr; }
+bool ToLocalTime(std::time_t time, std::tm& out) {
+    return ::localtime_r(&time, &out) != nullptr;
+}
 
 void WriteDebugOutput(const char* text) {
     std::fputs(text, stderr);
@@ -45,7 +49,9 @@ bool IsDebuggerAttached() {
     return false;
 }
 
-void BreakIntoDebugger() { std::raise(SIGTRAP); }
+void BreakIntoDebugger() {
+    std::raise(SIGTRAP);
+}
 
 bool AlertUser(const char* title, const char* message, bool) {
     std::fprintf(stderr, "%s: %s\n", title ? title : "", message ? message : "");
@@ -53,7 +59,9 @@ bool AlertUser(const char* title, const char* message, bool) {
     return false;
 }
 
-bool IsNumLockOn() { return false; }
+bool IsNumLockOn() {
+    return false;
+}
 
 void EndProcess(int exitStatus) {
     std::fflush(nullptr);

@@ -34,7 +34,9 @@ AttributeSet AttributesOf(const pugi::xml_node& element) {
     return attributes;
 }
 
-bool IsElement(const pugi::xml_node& node) { return node.type() == pugi::node_element; }
+bool IsElement(const pugi::xml_node& node) {
+    return node.type() == pugi::node_element;
+}
 
 // Text outside elements is a mistake in these files (a stray word usually means a typo).
 bool HasStrayText(const pugi::xml_node& element, pugi::xml_node& where) {
@@ -53,8 +55,8 @@ bool HasStrayText(const pugi::xml_node& element, pugi::xml_node& where) {
 }
 
 std::unique_ptr<OpsFilter> BuildFilter(const OpsSubscriptionManager& manager,
-                                       const pugi::xml_node& element, int depth,
-                                       std::string& error, pugi::xml_node& where) {
+                                       const pugi::xml_node& element, int depth, std::string& error,
+                                       pugi::xml_node& where) {
     where = element;
     if (depth > kMaxFilterDepth) {
         error = "filters nested too deeply";
@@ -244,9 +246,9 @@ Status OpsSubscriptionFileManager::ParseFile(
     subscriptions.clear();
     std::ifstream in(path ? path : "", std::ios::binary);
     if (!in) {
-        return Status(-8, (std::string("Subscription file \"") + (path ? path : "") +
-                           "\" cannot be read")
-                              .c_str());
+        return Status(
+            -8, (std::string("Subscription file \"") + (path ? path : "") + "\" cannot be read")
+                    .c_str());
     }
     std::ostringstream content;
     content << in.rdbuf();

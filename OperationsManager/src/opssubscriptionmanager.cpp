@@ -69,8 +69,7 @@ std::unique_ptr<OpsFilter> OpsSubscriptionManager::CreateFilter(const char* keyw
 
 Status OpsSubscriptionManager::AddSubscription(const char* name, const char* handlerKeyword,
                                                const char* filterKeyword,
-                                               const AttributeSet& attributes,
-                                               const void* owner) {
+                                               const AttributeSet& attributes, const void* owner) {
     TString error;
     std::unique_ptr<OpsFilter> filter = CreateFilter(filterKeyword, attributes, error);
     if (!filter)
@@ -83,9 +82,10 @@ Status OpsSubscriptionManager::AddSubscription(const char* name, const char* han
                            owner);
 }
 
-Status OpsSubscriptionManager::AddSubscription(
-    const char* name, std::shared_ptr<const OpsFilter> filter,
-    std::vector<std::shared_ptr<OpsMessageHandler>> handlers, const void* owner) {
+Status
+OpsSubscriptionManager::AddSubscription(const char* name, std::shared_ptr<const OpsFilter> filter,
+                                        std::vector<std::shared_ptr<OpsMessageHandler>> handlers,
+                                        const void* owner) {
     if (handlers.empty())
         return Status(-3, "A subscription needs at least one handler");
     for (const auto& handler : handlers)
@@ -107,8 +107,8 @@ void OpsSubscriptionManager::AddSubscriptions(std::vector<Subscription> subscrip
         return;
     for (Subscription& subscription : subscriptions) {
         bool exact = true;
-        subscription.mask = subscription.filter ? subscription.filter->GetEventMask(exact)
-                                                : OpsEventMask::All();
+        subscription.mask =
+            subscription.filter ? subscription.filter->GetEventMask(exact) : OpsEventMask::All();
     }
     {
         std::lock_guard<std::mutex> lock(m_mutex);

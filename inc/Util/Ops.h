@@ -12,6 +12,7 @@
 // Modules normally use the macros of "Util/OpsMacros.h" rather than these classes directly.
 #pragma once
 
+#include "Util/Export.h"
 #include <atomic>
 #include <cstdarg>
 #include <cstddef>
@@ -36,8 +37,12 @@ class OpsContext;
 class OpsMessageHandlerManager;
 class OpsSubscriptionFileManager;
 class OpsSubscriptionManager;
+class Ops;
 
-class Ops {
+// The process's operations manager, created on first use and never destroyed.
+ZTUTIL_API Ops& GetOps();
+
+class ZTUTIL_API Ops {
 public:
     enum EventType {
         kFuncEnter = 0,
@@ -239,12 +244,9 @@ private:
     static std::atomic<uint32_t> s_activeLevels;
 };
 
-// The process's operations manager, created on first use and never destroyed.
-Ops& GetOps();
-
 // The per-function reporter: reports entry and exit when wanted and returns statuses through
 // its functors, recording each as the process's last status.
-class LocalOps {
+class ZTUTIL_API LocalOps {
 public:
     explicit LocalOps(const SourceContext& context) : m_context(context) {
         if (Ops::IsEventLevelActive(Ops::kFuncEnter, Ops::kLvlNA))

@@ -6,11 +6,12 @@
 // safe to call from any thread. The default bridge, OpsNullBridge, is never connected.
 #pragma once
 
+#include "Util/Export.h"
 #include "Util/Ops.h"
 
 namespace Util {
 
-class OpsBridge {
+class ZTUTIL_API OpsBridge {
 public:
     virtual ~OpsBridge();
     virtual bool IsConnected() const = 0;
@@ -21,7 +22,7 @@ public:
     virtual void Stop() = 0;
 };
 
-class OpsNullBridge : public OpsBridge {
+class ZTUTIL_API OpsNullBridge : public OpsBridge {
 public:
     bool IsConnected() const override { return false; }
     bool ForwardEvent(Ops::EventType, Ops::Level, const SourceContext&, const char*) override {

@@ -8,6 +8,7 @@
 // verifications and errors to send go to "Ops.log", and a fatal error ends the process.
 #pragma once
 
+#include "Util/Export.h"
 #include "Util/TString.h"
 
 namespace Util {
@@ -15,7 +16,7 @@ namespace Util {
 class OpsMessageHandlerManager;
 class OpsSubscriptionManager;
 
-class OpsContext {
+class ZTUTIL_API OpsContext {
 public:
     OpsContext() = default;
     virtual ~OpsContext();

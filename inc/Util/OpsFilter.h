@@ -12,6 +12,7 @@
 // no child matches (an empty one matches nothing, which switches a subscription off).
 #pragma once
 
+#include "Util/Export.h"
 #include <functional>
 #include <memory>
 #include <vector>
@@ -32,7 +33,7 @@ struct OpsEvent {
     const char* text; // the formatted message, never null
 };
 
-class OpsFilter {
+class ZTUTIL_API OpsFilter {
 public:
     virtual ~OpsFilter();
     virtual bool Matches(const OpsEvent& event) const = 0;
@@ -42,7 +43,7 @@ public:
     virtual TString Describe() const = 0;
 };
 
-class OpsFilterGroup : public OpsFilter {
+class ZTUTIL_API OpsFilterGroup : public OpsFilter {
 public:
     enum Kind { kAllOf, kAnyOf, kExclude };
     explicit OpsFilterGroup(Kind kind) : m_kind(kind) {}

@@ -56,14 +56,14 @@
 #define ZT_FUNC_OPS() ::Util::LocalOps ztOps(__FILE__, __LINE__, __func__, ZT_FUNC_SIG)
 
 #define ZT_STATUS(code, ...)                                                                       \
-    (::Util::LocalOps::ReportStatusCodeFunctor(ztOps, __LINE__)(static_cast<long>(code),          \
+    (::Util::LocalOps::ReportStatusCodeFunctor(ztOps, __LINE__)(static_cast<long>(code),           \
                                                                 __VA_ARGS__))
 #define ZT_RETURN_STATUS(code, ...) return ZT_STATUS(code, __VA_ARGS__)
 #define ZT_REPORT(status) (ztOps.ReportStatus((status), __LINE__))
 #define ZT_RETURN(status) return ZT_REPORT(status)
 #define ZT_RETURN_OK() return ZT_REPORT(::Util::Status::GetSucceeded())
 #define ZT_THROW_STATUS(code, ...)                                                                 \
-    (::Util::LocalOps::ThrowStatusCodeFunctor(ztOps, __LINE__)(static_cast<long>(code),           \
+    (::Util::LocalOps::ThrowStatusCodeFunctor(ztOps, __LINE__)(static_cast<long>(code),            \
                                                                __VA_ARGS__))
 
 #define ZT_ASSERT(expr)                                                                            \

@@ -8,6 +8,7 @@
 // two subscriptions that log to the same file is written once.
 #pragma once
 
+#include "Util/Export.h"
 #include <functional>
 #include <memory>
 
@@ -16,7 +17,7 @@
 
 namespace Util {
 
-class OpsMessageHandler {
+class ZTUTIL_API OpsMessageHandler {
 public:
     virtual ~OpsMessageHandler();
     virtual bool HandleMessage(const OpsEvent& event) = 0;

@@ -8,13 +8,14 @@
 // while it runs (on the same thread) is not handled again, so a handler cannot recurse forever.
 #pragma once
 
+#include "Util/Export.h"
 #include <memory>
 
 #include "Util/OpsMessageHandler.h"
 
 namespace Util {
 
-class OpsMessageHandlerManager {
+class ZTUTIL_API OpsMessageHandlerManager {
 public:
     static OpsMessageHandlerManager& GetInstance();
 
@@ -24,9 +25,8 @@ public:
 
     void RegisterHandler(const char* keyword, OpsHandlerFactory factory);
     bool IsHandlerKeyword(const char* keyword) const;
-    std::shared_ptr<OpsMessageHandler> CreateHandler(const char* keyword,
-                                                     const AttributeSet& attributes,
-                                                     TString& error) const;
+    std::shared_ptr<OpsMessageHandler>
+    CreateHandler(const char* keyword, const AttributeSet& attributes, TString& error) const;
 
     OpsMessageHandlerManager(const OpsMessageHandlerManager&) = delete;
     OpsMessageHandlerManager& operator=(const OpsMessageHandlerManager&) = delete;

@@ -10,17 +10,17 @@
 // in, also borrowed) so that handlers can match or show the format as well as the final text.
 #pragma once
 
+#include "Util/Export.h"
 #include <memory>
 
 #include "Util/TString.h"
 
 namespace Util {
 
-class SourceContext {
+class ZTUTIL_API SourceContext {
 public:
     SourceContext() noexcept = default;
-    SourceContext(const char* file, long line, const char* function,
-                  const char* signature) noexcept
+    SourceContext(const char* file, long line, const char* function, const char* signature) noexcept
         : m_file(file), m_line(line), m_function(function), m_signature(signature) {}
     SourceContext(const SourceContext& other) noexcept
         : m_file(other.m_file), m_line(other.m_line), m_function(other.m_function),
@@ -56,7 +56,7 @@ private:
     mutable std::unique_ptr<TString> m_pPrefix;
 };
 
-class MessageContext : public SourceContext {
+class ZTUTIL_API MessageContext : public SourceContext {
 public:
     MessageContext() noexcept = default;
     MessageContext(const char* file, long line, const char* function, const char* signature,

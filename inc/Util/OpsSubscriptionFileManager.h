@@ -7,6 +7,7 @@
 // in the README ("Operations manager") and shown in examples/.
 #pragma once
 
+#include "Util/Export.h"
 #include <vector>
 
 #include "Util/OpsSubscriptionManager.h"
@@ -15,7 +16,7 @@
 
 namespace Util {
 
-class OpsSubscriptionFileManager {
+class ZTUTIL_API OpsSubscriptionFileManager {
 public:
     explicit OpsSubscriptionFileManager(const char* path);
     ~OpsSubscriptionFileManager();

@@ -14,6 +14,7 @@
 // Applications add their own with RegisterFilter.
 #pragma once
 
+#include "Util/Export.h"
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -29,7 +30,7 @@ class xml_node;
 
 namespace Util {
 
-class OpsSubscriptionManager {
+class ZTUTIL_API OpsSubscriptionManager {
 public:
     struct Subscription {
         TString name;
@@ -44,9 +45,8 @@ public:
     static OpsSubscriptionManager& GetInstance();
 
     // One filter and one handler, both by keyword and both configured from the attributes.
-    Status AddSubscription(const char* name, const char* handlerKeyword,
-                           const char* filterKeyword, const AttributeSet& attributes,
-                           const void* owner = nullptr);
+    Status AddSubscription(const char* name, const char* handlerKeyword, const char* filterKeyword,
+                           const AttributeSet& attributes, const void* owner = nullptr);
     Status AddSubscription(const char* name, std::shared_ptr<const OpsFilter> filter,
                            std::vector<std::shared_ptr<OpsMessageHandler>> handlers,
                            const void* owner = nullptr);
