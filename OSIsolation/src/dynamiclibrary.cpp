@@ -6,7 +6,9 @@
 
 namespace Util {
 
-DynamicLibrary::~DynamicLibrary() { Unload(); }
+DynamicLibrary::~DynamicLibrary() {
+    Unload();
+}
 
 DynamicLibrary::DynamicLibrary(DynamicLibrary&& other) noexcept
     : m_handle(std::exchange(other.m_handle, nullptr)) {}

@@ -15,7 +15,9 @@ void* OpenLibrary(const char* path, TString& reason) {
     return handle;
 }
 
-void CloseLibrary(void* handle) { dlclose(handle); }
+void CloseLibrary(void* handle) {
+    dlclose(handle);
+}
 
 void* FindSymbol(void* handle, const char* name) {
     dlerror();

@@ -10,7 +10,9 @@ void* OpenLibrary(const char* path, TString& reason) {
     return reinterpret_cast<void*>(module);
 }
 
-void CloseLibrary(void* handle) { ::FreeLibrary(reinterpret_cast<HMODULE>(handle)); }
+void CloseLibrary(void* handle) {
+    ::FreeLibrary(reinterpret_cast<HMODULE>(handle));
+}
 
 void* FindSymbol(void* handle, const char* name) {
     return reinterpret_cast<void*>(::GetProcAddress(reinterpret_cast<HMODULE>(handle), name));

@@ -43,7 +43,9 @@ void AttributeSet::ClearAttribute(const char* name) {
     AttributeHasChanged();
 }
 
-bool AttributeSet::AttributeExists(const char* name) const { return Find(name) != nullptr; }
+bool AttributeSet::AttributeExists(const char* name) const {
+    return Find(name) != nullptr;
+}
 
 void AttributeSet::ClearAttributes() {
     m_attributes.clear();
@@ -53,14 +55,30 @@ void AttributeSet::ClearAttributes() {
 void AttributeSet::SetAttribute(const char* name, const char* value) {
     Store(name, TString(value));
 }
-void AttributeSet::SetAttribute(const char* name, const TString& value) { Store(name, value); }
-void AttributeSet::SetAttribute(const char* name, short value) { Store(name, value); }
-void AttributeSet::SetAttribute(const char* name, int value) { Store(name, value); }
-void AttributeSet::SetAttribute(const char* name, long value) { Store(name, value); }
-void AttributeSet::SetAttribute(const char* name, __int64 value) { Store(name, value); }
-void AttributeSet::SetAttribute(const char* name, double value) { Store(name, value); }
-void AttributeSet::SetAttribute(const char* name, bool value) { Store(name, value); }
-void AttributeSet::SetAttribute(const char* name, const boost::any& value) { Store(name, value); }
+void AttributeSet::SetAttribute(const char* name, const TString& value) {
+    Store(name, value);
+}
+void AttributeSet::SetAttribute(const char* name, short value) {
+    Store(name, value);
+}
+void AttributeSet::SetAttribute(const char* name, int value) {
+    Store(name, value);
+}
+void AttributeSet::SetAttribute(const char* name, long value) {
+    Store(name, value);
+}
+void AttributeSet::SetAttribute(const char* name, __int64 value) {
+    Store(name, value);
+}
+void AttributeSet::SetAttribute(const char* name, double value) {
+    Store(name, value);
+}
+void AttributeSet::SetAttribute(const char* name, bool value) {
+    Store(name, value);
+}
+void AttributeSet::SetAttribute(const char* name, const boost::any& value) {
+    Store(name, value);
+}
 
 void AttributeSet::SetAttributes(const AttributeSet& other) {
     if (&other == this)
@@ -108,7 +126,8 @@ bool AttributeSet::GetStringAttribute(const char* name, TString& value) const {
         std::snprintf(text, sizeof text, "%d", static_cast<int>(boost::any_cast<short>(*found)));
         value = text;
     } else if (type == typeid(__int64)) {
-        std::snprintf(text, sizeof text, "%lld", static_cast<long long>(boost::any_cast<__int64>(*found)));
+        std::snprintf(text, sizeof text, "%lld",
+                      static_cast<long long>(boost::any_cast<__int64>(*found)));
         value = text;
     } else if (type == typeid(double)) {
         std::snprintf(text, sizeof text, "%g", boost::any_cast<double>(*found));

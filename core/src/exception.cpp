@@ -4,7 +4,8 @@ namespace Util {
 
 Exception::Exception(const Status& status) : m_status(status) {}
 
-Exception::Exception(const Exception& other) : Object(other), IClone(other), m_status(other.m_status) {}
+Exception::Exception(const Exception& other)
+    : Object(other), IClone(other), m_status(other.m_status) {}
 
 Exception& Exception::operator=(const Exception& other) {
     m_status = other.m_status;

@@ -4,7 +4,9 @@ namespace Util {
 
 Object::~Object() = default;
 
-const char* Object::GetClassName() const { return "Util::Object"; }
+const char* Object::GetClassName() const {
+    return "Util::Object";
+}
 
 IClone::~IClone() = default;
 

@@ -19,7 +19,9 @@ inline void SpinLock(std::atomic<bool>& flag) {
     }
 }
 
-inline void SpinUnlock(std::atomic<bool>& flag) { flag.store(false, std::memory_order_release); }
+inline void SpinUnlock(std::atomic<bool>& flag) {
+    flag.store(false, std::memory_order_release);
+}
 
 class SpinGuard {
 public:

@@ -140,7 +140,8 @@ struct PredefinedStatuses {
     Status notInitialized{-16, "Not Initialized"};
     Status userCancelledAction{-17, "The user cancelled the action."};
     Status primaryKeyValueRef{
-        -18, "Primary key for row in parent table is referenced by foreign key in some other table."};
+        -18,
+        "Primary key for row in parent table is referenced by foreign key in some other table."};
 };
 
 #if defined(__GNUC__)
@@ -150,27 +151,71 @@ const PredefinedStatuses g_predefined;
 
 } // namespace
 
-const Status& Status::GetSucceeded() { return g_predefined.succeeded; }
-const Status& Status::GetNoValue() { return g_predefined.noValue; }
-const Status& Status::GetResultPending() { return g_predefined.resultPending; }
-const Status& Status::GetNotUsed() { return g_predefined.notUsed; }
-const Status& Status::GetFailed() { return g_predefined.failed; }
-const Status& Status::GetUnknown() { return g_predefined.unknown; }
-const Status& Status::GetInvalidArg() { return g_predefined.invalidArg; }
-const Status& Status::GetNullPtrArg() { return g_predefined.nullPtrArg; }
-const Status& Status::GetNotImplemented() { return g_predefined.notImplemented; }
-const Status& Status::GetComError() { return g_predefined.comError; }
-const Status& Status::GetAllocFailed() { return g_predefined.allocFailed; }
-const Status& Status::GetNotFound() { return g_predefined.notFound; }
-const Status& Status::GetLimitExceeded() { return g_predefined.limitExceeded; }
-const Status& Status::GetStatusNotSet() { return g_predefined.statusNotSet; }
-const Status& Status::GetSystemConfigError() { return g_predefined.systemConfigError; }
-const Status& Status::GetSystemAccessDenied() { return g_predefined.systemAccessDenied; }
-const Status& Status::GetOutOfMemory() { return g_predefined.outOfMemory; }
-const Status& Status::GetSyntaxError() { return g_predefined.syntaxError; }
-const Status& Status::GetIncomplete() { return g_predefined.incomplete; }
-const Status& Status::GetNotInitialized() { return g_predefined.notInitialized; }
-const Status& Status::GetUserCancelledAction() { return g_predefined.userCancelledAction; }
-const Status& Status::GetStatusPrimaryKeyValueRef() { return g_predefined.primaryKeyValueRef; }
+const Status& Status::GetSucceeded() {
+    return g_predefined.succeeded;
+}
+const Status& Status::GetNoValue() {
+    return g_predefined.noValue;
+}
+const Status& Status::GetResultPending() {
+    return g_predefined.resultPending;
+}
+const Status& Status::GetNotUsed() {
+    return g_predefined.notUsed;
+}
+const Status& Status::GetFailed() {
+    return g_predefined.failed;
+}
+const Status& Status::GetUnknown() {
+    return g_predefined.unknown;
+}
+const Status& Status::GetInvalidArg() {
+    return g_predefined.invalidArg;
+}
+const Status& Status::GetNullPtrArg() {
+    return g_predefined.nullPtrArg;
+}
+const Status& Status::GetNotImplemented() {
+    return g_predefined.notImplemented;
+}
+const Status& Status::GetComError() {
+    return g_predefined.comError;
+}
+const Status& Status::GetAllocFailed() {
+    return g_predefined.allocFailed;
+}
+const Status& Status::GetNotFound() {
+    return g_predefined.notFound;
+}
+const Status& Status::GetLimitExceeded() {
+    return g_predefined.limitExceeded;
+}
+const Status& Status::GetStatusNotSet() {
+    return g_predefined.statusNotSet;
+}
+const Status& Status::GetSystemConfigError() {
+    return g_predefined.systemConfigError;
+}
+const Status& Status::GetSystemAccessDenied() {
+    return g_predefined.systemAccessDenied;
+}
+const Status& Status::GetOutOfMemory() {
+    return g_predefined.outOfMemory;
+}
+const Status& Status::GetSyntaxError() {
+    return g_predefined.syntaxError;
+}
+const Status& Status::GetIncomplete() {
+    return g_predefined.incomplete;
+}
+const Status& Status::GetNotInitialized() {
+    return g_predefined.notInitialized;
+}
+const Status& Status::GetUserCancelledAction() {
+    return g_predefined.userCancelledAction;
+}
+const Status& Status::GetStatusPrimaryKeyValueRef() {
+    return g_predefined.primaryKeyValueRef;
+}
 
 } // namespace Util

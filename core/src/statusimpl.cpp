@@ -55,7 +55,9 @@ void StatusImpl::SetFormatStr(const TString& format) {
     m_messageReady.store(false, std::memory_order_release);
 }
 
-void StatusImpl::SetFormatStr(const char* format) { SetFormatStr(TString(format)); }
+void StatusImpl::SetFormatStr(const char* format) {
+    SetFormatStr(TString(format));
+}
 
 const TString& StatusImpl::GetStatusMessage() {
     // Statuses sharing this implementation may read it from several threads at once; the first

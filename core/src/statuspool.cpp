@@ -37,11 +37,17 @@ StatusPool::~StatusPool() {
 
 StatusPool::StatusPool(const StatusPool&) {}
 
-StatusPool& StatusPool::operator=(const StatusPool&) { return *this; }
+StatusPool& StatusPool::operator=(const StatusPool&) {
+    return *this;
+}
 
-void StatusPool::Lock() const { Detail::SpinLock(m_lock); }
+void StatusPool::Lock() const {
+    Detail::SpinLock(m_lock);
+}
 
-void StatusPool::Unlock() const { Detail::SpinUnlock(m_lock); }
+void StatusPool::Unlock() const {
+    Detail::SpinUnlock(m_lock);
+}
 
 int StatusPool::GetPoolSize() const {
     Lock();

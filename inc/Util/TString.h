@@ -18,9 +18,7 @@ namespace Utilities {
 
 template <class T> struct TStringAllocator : std::allocator<T> {
     using std::allocator<T>::allocator;
-    template <class U> struct rebind {
-        using other = TStringAllocator<U>;
-    };
+    template <class U> struct rebind { using other = TStringAllocator<U>; };
 };
 
 // printf-style formatting into a std::string; the string is replaced, never overrun.
@@ -36,6 +34,7 @@ public:
     TString(const T* text, std::size_t length) : m_str(text, length) {}
     TString(std::size_t count, T ch) : m_str(count, ch) {}
     TString(const std::basic_string<T>& text) : m_str(text.data(), text.size()) {}
+    explicit TString(string_type text) : m_str(std::move(text)) {}
     TString(const TString&) = default;
     TString(TString&&) noexcept = default;
     TString& operator=(const TString&) = default;
@@ -61,7 +60,9 @@ public:
     operator const T*() const { return m_str.c_str(); }
     const string_type& str() const { return m_str; }
     string_type& str() { return m_str; }
-    std::basic_string<T> ToStdString() const { return std::basic_string<T>(m_str.data(), m_str.size()); }
+    std::basic_string<T> ToStdString() const {
+        return std::basic_string<T>(m_str.data(), m_str.size());
+    }
 
     T GetAt(std::size_t i) const { return m_str[i]; }
     T& operator[](std::size_t i) { return m_str[i]; }
@@ -120,18 +121,42 @@ public:
         return c < 0 ? -1 : (c > 0 ? 1 : 0);
     }
 
-    friend bool operator==(const TString& a, const TString& b) { return a.m_str == b.m_str; }
-    friend bool operator!=(const TString& a, const TString& b) { return a.m_str != b.m_str; }
-    friend bool operator<(const TString& a, const TString& b) { return a.m_str < b.m_str; }
-    friend bool operator>(const TString& a, const TString& b) { return a.m_str > b.m_str; }
-    friend bool operator<=(const TString& a, const TString& b) { return a.m_str <= b.m_str; }
-    friend bool operator>=(const TString& a, const TString& b) { return a.m_str >= b.m_str; }
-    friend bool operator==(const TString& a, const T* b) { return a.Compare(b) == 0; }
-    friend bool operator!=(const TString& a, const T* b) { return a.Compare(b) != 0; }
-    friend bool operator==(const T* a, const TString& b) { return b.Compare(a) == 0; }
-    friend bool operator!=(const T* a, const TString& b) { return b.Compare(a) != 0; }
-    friend TString operator+(TString a, const TString& b) { return a.Append(b); }
-    friend TString operator+(TString a, const T* b) { return a.Append(b); }
+    friend bool operator==(const TString& a, const TString& b) {
+        return a.m_str == b.m_str;
+    }
+    friend bool operator!=(const TString& a, const TString& b) {
+        return a.m_str != b.m_str;
+    }
+    friend bool operator<(const TString& a, const TString& b) {
+        return a.m_str < b.m_str;
+    }
+    friend bool operator>(const TString& a, const TString& b) {
+        return a.m_str > b.m_str;
+    }
+    friend bool operator<=(const TString& a, const TString& b) {
+        return a.m_str <= b.m_str;
+    }
+    friend bool operator>=(const TString& a, const TString& b) {
+        return a.m_str >= b.m_str;
+    }
+    friend bool operator==(const TString& a, const T* b) {
+        return a.Compare(b) == 0;
+    }
+    friend bool operator!=(const TString& a, const T* b) {
+        return a.Compare(b) != 0;
+    }
+    friend bool operator==(const T* a, const TString& b) {
+        return b.Compare(a) == 0;
+    }
+    friend bool operator!=(const T* a, const TString& b) {
+        return b.Compare(a) != 0;
+    }
+    friend TString operator+(TString a, const TString& b) {
+        return a.Append(b);
+    }
+    friend TString operator+(TString a, const T* b) {
+        return a.Append(b);
+    }
 
 private:
     string_type m_str;

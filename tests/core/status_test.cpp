@@ -10,7 +10,9 @@ using Util::Status;
 
 namespace {
 
-std::string Message(const Status& s) { return s.GetStatusMessage().c_str(); }
+std::string Message(const Status& s) {
+    return s.GetStatusMessage().c_str();
+}
 
 } // namespace
 
@@ -201,7 +203,9 @@ TEST(StatusPool, ReusesImplementationsOnceDropped) {
 namespace {
 
 // The format lives inside the implementation, so its address identifies the pool entry.
-const void* EntryOf(const Status& s) { return &s.GetFormatStr(); }
+const void* EntryOf(const Status& s) {
+    return &s.GetFormatStr();
+}
 
 // Holds statuses until the pool has to grow: afterwards no earlier entry is free.
 std::vector<Status> DrainPool() {

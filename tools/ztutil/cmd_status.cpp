@@ -9,8 +9,8 @@ namespace {
 void DemoStatus(std::ostream& out) {
     const Util::Status& notFound = Util::Status::GetNotFound();
     out << "A predefined status: code " << notFound.GetStatusCode() << ", \""
-        << notFound.GetStatusMessage() << "\", "
-        << (notFound.Failed() ? "a failure" : "a success") << "\n";
+        << notFound.GetStatusMessage() << "\", " << (notFound.Failed() ? "a failure" : "a success")
+        << "\n";
 
     Util::Status open(-2017, "Cannot open %FileName% (error %Win32Error%)");
     out << "Before attributes: \"" << open.GetStatusMessage() << "\"\n";
