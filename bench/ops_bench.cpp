@@ -63,7 +63,6 @@ std::shared_ptr<spdlog::logger> DisabledPeer() {
     return logger;
 }
 
-
 void BM_Ours_FuncEntryExit_NothingSubscribed(benchmark::State& state) {
     StartOperations(false);
     for (auto _ : state) {

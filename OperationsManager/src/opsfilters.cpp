@@ -171,9 +171,9 @@ public:
             if (const OpsContext* context = GetOps().GetOpsContext())
                 context->GetOpsDirectory(directory);
             std::string value;
-            m_matches = m_reader.GetValue(JoinPath(directory.c_str(), m_file), m_section, m_key,
-                                          value) &&
-                        value == m_expected;
+            m_matches =
+                m_reader.GetValue(JoinPath(directory.c_str(), m_file), m_section, m_key, value) &&
+                value == m_expected;
         }
         return m_matches;
     }

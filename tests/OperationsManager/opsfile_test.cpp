@@ -92,10 +92,9 @@ TEST(OpsFile, DeepNestingIsRefusedNotOverflowed) {
     for (int i = 0; i < 5000; ++i)
         filter += "</ALL_OF>";
     SubscriptionList subscriptions;
-    const std::string problem =
-        Parse(Wrap("<Subscription name='deep'><Filter>" + filter +
-                   "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
-              subscriptions);
+    const std::string problem = Parse(Wrap("<Subscription name='deep'><Filter>" + filter +
+                                           "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
+                                      subscriptions);
     EXPECT_NE(problem.find("nested too deeply"), std::string::npos) << problem;
 }
 
