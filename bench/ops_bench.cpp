@@ -7,6 +7,7 @@
 #include <spdlog/sinks/null_sink.h>
 #include <spdlog/spdlog.h>
 
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <unistd.h>
@@ -147,6 +148,19 @@ void BM_Peer_LogToFile(benchmark::State& state) {
     std::filesystem::remove(path);
 }
 BENCHMARK(BM_Peer_LogToFile);
+
+// Reference: the floor under both log benchmarks, one write of a line of the same length to a
+// file opened for appending (what a flush per line costs in system calls on this machine).
+void BM_Ref_RawWriteLine(benchmark::State& state) {
+    const std::string path = BenchDirectory() + "/raw.log";
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+    const std::string line(118, 'x');
+    for (auto _ : state)
+        benchmark::DoNotOptimize(::write(fd, line.data(), line.size()));
+    ::close(fd);
+    std::filesystem::remove(path);
+}
+BENCHMARK(BM_Ref_RawWriteLine);
 
 // Reference: a reported status that nobody listens to (it still becomes the last status).
 void BM_Ref_StatusReportUnheard(benchmark::State& state) {
