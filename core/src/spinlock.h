@@ -5,6 +5,10 @@
 #include <atomic>
 #include <thread>
 
+#if defined(__GLIBCXX__)
+#include <ext/atomicity.h>
+#endif
+
 namespace Util {
 namespace Detail {
 
@@ -22,6 +26,39 @@ inline void SpinLock(std::atomic<bool>& flag) {
 inline void SpinUnlock(std::atomic<bool>& flag) {
     flag.store(false, std::memory_order_release);
 }
+
+// True while the process has a single thread. It can only become false through this very
+// thread starting another, so a critical section entered while it is true needs no lock: this is
+// the test libstdc++'s own shared pointers make.
+inline bool ProcessIsSingleThreaded() {
+#if defined(__GLIBCXX__)
+    return __gnu_cxx::__is_single_threaded();
+#else
+    return false;
+#endif
+}
+
+// Locks only when other threads may exist.
+class ElidableSpinGuard {
+public:
+    explicit ElidableSpinGuard(std::atomic<bool>& flag)
+        : m_flag(ProcessIsSingleThreaded() ? nullptr : &flag) {
+        if (m_flag != nullptr)
+            SpinLock(*m_flag);
+    }
+    ~ElidableSpinGuard() { Release(); }
+    void Release() {
+        if (m_flag != nullptr) {
+            SpinUnlock(*m_flag);
+            m_flag = nullptr;
+        }
+    }
+    ElidableSpinGuard(const ElidableSpinGuard&) = delete;
+    ElidableSpinGuard& operator=(const ElidableSpinGuard&) = delete;
+
+private:
+    std::atomic<bool>* m_flag;
+};
 
 class SpinGuard {
 public:

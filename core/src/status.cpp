@@ -4,13 +4,21 @@
 
 namespace Util {
 
-Status::Status() : m_pImpl(GetStatusPool()->GetNewStatus()) {
-    m_pImpl->SetFormatStr("Succeeded");
+inline StatusPool* Status::Pool() {
+    StatusPool* pool = StatusPool::s_pCurrent.load(std::memory_order_acquire);
+    return pool != nullptr ? pool : GetStatusPool();
 }
 
-Status::Status(long code, const char* format) : m_pImpl(GetStatusPool()->GetNewStatus()) {
-    m_pImpl->SetStatusCode(code);
-    m_pImpl->SetFormatStr(format);
+Status::Status() {
+    Pool()->Take(m_pImpl);
+    m_pImpl->m_formatStr.emplace("Succeeded");
+}
+
+Status::Status(long code, const char* format) {
+    Pool()->Take(m_pImpl);
+    // A fresh implementation has no format and no message yet.
+    m_pImpl->m_statusCode = static_cast<std::int32_t>(code);
+    m_pImpl->m_formatStr.emplace(format);
 }
 
 Status& Status::operator=(const Status& other) {

@@ -41,58 +41,44 @@ StatusPool& StatusPool::operator=(const StatusPool&) {
     return *this;
 }
 
-void StatusPool::Lock() const {
-    Detail::SpinLock(m_lock);
-}
-
-void StatusPool::Unlock() const {
-    Detail::SpinUnlock(m_lock);
-}
-
 int StatusPool::GetPoolSize() const {
-    Lock();
-    int size = static_cast<int>(m_list.size());
-    Unlock();
-    return size;
+    Detail::ElidableSpinGuard guard(m_lock);
+    return static_cast<int>(m_list.size());
 }
 
 boost::shared_ptr<StatusImpl> StatusPool::GetNewStatus() {
-    Lock();
+    boost::shared_ptr<StatusImpl> result;
+    Take(result);
+    return result;
+}
+
+void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
+    Detail::ElidableSpinGuard guard(m_lock);
     std::size_t index = 0;
     while (m_free.FindFirst(index)) {
         m_free.Clear(index);
         const boost::shared_ptr<StatusImpl>& slot = m_list[index];
         if (slot.use_count() == 1) {
-            boost::shared_ptr<StatusImpl> taken = slot;
-            Unlock();
-            taken->Reset();
-            return taken;
+            result = slot;
+            guard.Release();
+            result->Reset();
+            return;
         }
     }
-    if (m_list.size() >= std::min<std::size_t>(m_list.max_size(), UINT32_MAX)) {
-        Unlock();
+    if (m_list.size() >= std::min<std::size_t>(m_list.max_size(), UINT32_MAX))
         throw std::length_error("list too long");
+    result = boost::make_shared<StatusImpl>();
+    if (m_list.size() == m_capacity) {
+        m_capacity = m_capacity == 0 ? 1024 : m_capacity * 2;
+        m_free.Resize(m_capacity);
+        // Entries are marked free when their last Status handle drops. One released through
+        // a bare shared pointer is not; find those once per doubling, which keeps the cost
+        // of this walk constant per created entry.
+        SweepFreeEntries();
     }
-    boost::shared_ptr<StatusImpl> impl;
-    try {
-        impl = boost::make_shared<StatusImpl>();
-        if (m_list.size() == m_capacity) {
-            m_capacity = m_capacity == 0 ? 1024 : m_capacity * 2;
-            m_free.Resize(m_capacity);
-            // Entries are marked free when their last Status handle drops. One released through
-            // a bare shared pointer is not; find those once per doubling, which keeps the cost
-            // of this walk constant per created entry.
-            SweepFreeEntries();
-        }
-        m_list.push_back(impl);
-    } catch (...) {
-        Unlock();
-        throw;
-    }
-    impl->m_pPoolSlot = &m_list.back();
-    impl->m_poolIndex = static_cast<std::uint32_t>(m_list.size() - 1);
-    Unlock();
-    return impl;
+    m_list.push_back(result);
+    result->m_pPoolSlot = &m_list.back();
+    result->m_poolIndex = static_cast<std::uint32_t>(m_list.size() - 1);
 }
 
 void StatusPool::SweepFreeEntries() {
@@ -103,10 +89,9 @@ void StatusPool::SweepFreeEntries() {
 }
 
 void StatusPool::MarkFree(std::uint32_t index) {
-    Lock();
+    Detail::ElidableSpinGuard guard(m_lock);
     if (index < m_list.size())
         m_free.Set(index);
-    Unlock();
 }
 
 void StatusPool::FreeIndexSet::Resize(std::size_t count) {

@@ -157,6 +157,7 @@ public:
 private:
     explicit Status(const boost::shared_ptr<StatusImpl>& impl) : m_pImpl(impl) {}
 
+    static StatusPool* Pool();
     // Detaches a shared implementation before a change.
     void CopyIfShared();
     // Drops one reference, handing the implementation back to the pool when it becomes free.

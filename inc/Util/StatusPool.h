@@ -47,8 +47,8 @@ private:
     void MarkFree(std::uint32_t index);
     // Marks every entry that only the pool refers to; called with the lock held.
     void SweepFreeEntries();
-    void Lock() const;
-    void Unlock() const;
+    // GetNewStatus into an existing handle, saving a copy on the hot path.
+    void Take(boost::shared_ptr<StatusImpl>& result);
 
     // Bit set over list indices with one summary level per 64-fold, so the lowest set bit is
     // found by descending from a single top word.
