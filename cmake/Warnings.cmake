@@ -1,0 +1,1 @@
+set(ZT_WARNINGS -Wall -Wextra)

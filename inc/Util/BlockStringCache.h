@@ -1,0 +1,150 @@
+// Util::BlockStringCache keeps many short zero-terminated strings in a few large heap blocks
+// instead of one heap allocation per string. AddString returns a cached copy that stays valid
+// until it is removed or replaced, or the cache is freed or re-initialised. Every chunk starts
+// with an 8-byte header holding its size (header included); the string follows the header.
+// Freed chunks go to a best-fit free list (Util::FreeList) and are reused, never merged: blocks
+// are only released as a whole. Empty and null strings map to one shared empty string. Failures
+// are reported through the operations manager and give null (or -1); nothing throws.
+// A cache is used by one thread at a time.
+#pragma once
+
+#include "Util/Export.h"
+#include "Util/Status.h"
+#include "Util/TString.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace Util {
+
+// Free chunks ordered by size, then by the order they were freed. TakeBestFit hands out the
+// first chunk of the smallest size not below the request.
+class ZTUTIL_API FreeList {
+public:
+    FreeList();
+    ~FreeList();
+    FreeList(const FreeList&) = delete;
+    FreeList& operator=(const FreeList&) = delete;
+
+    // False only when memory for the bookkeeping is exhausted (the chunk is then lost).
+    bool Insert(char* start, std::size_t size);
+    // Removes the best-fitting chunk and returns its start and size; null when none fits.
+    char* TakeBestFit(std::size_t needed, std::size_t& size);
+    // TakeBestFit, then a chunk larger than needed by more than slack is split: its remainder
+    // (needed bytes further on) goes back into the list and size becomes needed.
+    char* TakeBestFitAndSplit(std::size_t needed, std::size_t slack, std::size_t& size);
+    bool HasChunkOfAtLeast(std::size_t size) const;
+
+    std::size_t GetCount() const { return m_count; }
+    std::size_t GetTotalFree() const { return m_totalFree; }
+
+    // Visits every free chunk in list order.
+    template <class F> void ForEach(F&& visit) const;
+
+    // "%ld free buffer(s)", with detail one "free buffer size: ..." line per chunk, then
+    // "%lu total free space".
+    void FormatStatistics(bool detail, std::vector<TString>& lines) const;
+    void DumpStatistics(bool detail) const;
+
+private:
+    // Chunks below kSmallSizes bytes sit in one FIFO per exact size, found through a bitmap;
+    // larger ones in an ordered multimap. Both keep the same order a single multimap would.
+    static constexpr std::size_t kSmallSizes = 1024;
+    static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
+    struct Node {
+        char* start;
+        std::uint32_t next;
+    };
+
+    std::uint32_t NewNode(char* start);
+    std::size_t FindSmall(std::size_t needed) const;
+
+    std::vector<Node> m_nodes;
+    std::uint32_t m_freeNodes = kNone;
+    std::uint32_t m_head[kSmallSizes];
+    std::uint32_t m_tail[kSmallSizes];
+    std::uint64_t m_bits[kSmallSizes / 64];
+    std::uint32_t m_summary = 0;
+    std::multimap<std::size_t, char*> m_large;
+    std::size_t m_count = 0;
+    std::size_t m_totalFree = 0;
+};
+
+template <class F> void FreeList::ForEach(F&& visit) const {
+    for (std::size_t size = 0; size < kSmallSizes; ++size) {
+        for (std::uint32_t i = m_head[size]; i != kNone; i = m_nodes[i].next) {
+            visit(m_nodes[i].start, size);
+        }
+    }
+    for (const auto& entry : m_large) {
+        visit(entry.second, entry.first);
+    }
+}
+
+class ZTUTIL_API BlockStringCache {
+public:
+    static constexpr unsigned int kDefaultBlockSize = 65535;
+    static constexpr std::size_t kHeaderSize = 8;
+
+    // dumpStatisticsOnFree: FreeCache (and so the destructor and ReinitCache) first writes the
+    // statistics, with the free-list detail, through the operations manager.
+    explicit BlockStringCache(unsigned int blockSize = kDefaultBlockSize,
+                              bool dumpStatisticsOnFree = false);
+    // Copies take the configuration only (block size and flag): the copy starts empty.
+    BlockStringCache(const BlockStringCache& other);
+    BlockStringCache& operator=(const BlockStringCache& other);
+    ~BlockStringCache();
+
+    // Frees everything, then starts an empty cache with the given configuration; the
+    // statistics counters start again from zero.
+    Status ReinitCache(unsigned int blockSize = kDefaultBlockSize,
+                       bool dumpStatisticsOnFree = false);
+    // Frees every block and the free list; the cache is then not initialised.
+    Status FreeCache();
+    bool IsInitialized() const { return m_pFreeList != nullptr; }
+
+    const char* AddString(const char* s);
+    // Returns the pointer to use from now on (old itself when the lengths are equal).
+    const char* ReplaceString(const char* oldStr, const char* newStr);
+    // 0, or -1 when the cache is not initialised or the buffer's header is impossible.
+    int RemoveString(const char* s);
+
+    void FormatStatistics(bool detail, std::vector<TString>& lines) const;
+    void DumpStatistics(bool detail) const;
+
+    unsigned int GetBlockSize() const { return m_blockSize; }
+    bool GetDumpStatisticsOnFree() const { return m_dumpStatisticsOnFree; }
+    std::size_t GetBlockCount() const { return m_blocks.size(); }
+    const FreeList* GetFreeList() const { return m_pFreeList.get(); }
+    unsigned long GetAddCount() const { return m_addCount; }
+    unsigned long GetEmptyAddCount() const { return m_emptyAddCount; }
+    unsigned long GetReplaceCount() const { return m_replaceCount; }
+    unsigned long GetRemoveCount() const { return m_removeCount; }
+    static const char* GetEmptyString() { return s_pEmptyString; }
+
+private:
+    Status AllocateNewBlock();
+    char* GetBytesFromCache(std::size_t byteLength);
+    char* GetFromFreeList(std::size_t byteLength);
+    bool ReturnToFreeList(const char* s, std::size_t byteLength);
+    bool AddBufferToFreeList(char* start, std::size_t size);
+    bool ValidateBufferIsInCache(const char* s) const;
+    void FreeAllBlocks();
+    void FreeFreeList();
+
+    static const char* const s_pEmptyString;
+
+    unsigned int m_blockSize = kDefaultBlockSize;
+    bool m_dumpStatisticsOnFree = false;
+    std::map<char*, unsigned int> m_blocks; // block start -> size, ordered by address
+    std::unique_ptr<FreeList> m_pFreeList;
+    unsigned long m_addCount = 0;
+    unsigned long m_emptyAddCount = 0;
+    unsigned long m_replaceCount = 0;
+    unsigned long m_removeCount = 0;
+};
+
+} // namespace Util

@@ -1,0 +1,128 @@
+// ZtDecimal64: an IEEE 754-2008 decimal64 number (16 significant digits, binary-integer-decimal
+// encoding) in one 64-bit word, with no other state.
+//
+// Contract:
+// - All arithmetic, conversion and classification is done by the Intel decimal library with its
+//   default rounding (to nearest, ties to even); results are rounded to 16 digits.
+// - Nothing throws. Invalid operations yield NaN; the value getters report failure through
+//   their Status out-parameter only (invalid, division by zero, overflow or underflow raised;
+//   inexact alone is not a failure).
+// - Zero is stored as +0 with exponent 0 (raw 0x31C0000000000000), the value of m_internal_zero.
+// - The place-based rounding helpers round at the digit 10^place (place -2: hundredths).
+//   RoundUp deliberately leaves the value unchanged.
+// - Values are plain data; the library's status flags belong to the calling thread in the build
+//   we link, so concurrent conversions on different threads do not see each other's flags.
+#pragma once
+
+#include <cstdint>
+
+#include "Util/Export.h"
+#include "Util/TString.h"
+
+class ZTUTIL_API ZtDecimal64 {
+public:
+    // Out-parameter of the value getters.
+    enum Status { Converted = 0, Failed = 1 };
+    // Selects the constructor that leaves the bits unset.
+    enum _NoInit { NoInit };
+
+    ZtDecimal64() : m_value(kZeroBits) {}
+    ZtDecimal64(int value);
+    ZtDecimal64(long long value);
+    ZtDecimal64(double value);
+    ZtDecimal64(const char* text);
+    explicit ZtDecimal64(_NoInit) {}
+    ZtDecimal64(const ZtDecimal64&) = default;
+    ZtDecimal64& operator=(const ZtDecimal64&) = default;
+
+    // Raw BID bits.
+    uint64_t GetInternalToUInt64() const { return m_value; }
+    void SetInternallFromUInt64(uint64_t bits) { m_value = bits; }
+    static const ZtDecimal64& GetInternalZero() { return m_internal_zero; }
+
+    // Setters.
+    void SetInt32Value(int32_t value);
+    void SetUInt32Value(uint32_t value);
+    void SetInt64Value(int64_t value);
+    void SetUInt64Value(uint64_t value);
+    void SetDoubleValue(double value);
+    void SetStringValue(const char* text);
+    void SetZero() { m_value = kZeroBits; }
+    void SetWhole(const ZtDecimal64& whole);
+    void SetFraction(const ZtDecimal64& fraction);
+    void MakeAbs();
+    void Negate();
+
+    // Getters reporting failure through status. Values with a fraction are truncated toward
+    // zero; on failure the library's own result is returned.
+    int32_t GetInt32Value(Status& status) const;
+    uint32_t GetUInt32Value(Status& status) const;
+    int64_t GetInt64Value(Status& status) const;
+    uint64_t GetUInt64Value(Status& status) const;
+    double GetDoubleValue(Status& status) const;
+
+    // The library's own text form: sign, coefficient digits, "E", signed exponent (+1234E-2).
+    Util::TString GetStringValue() const;
+    ZtDecimal64 GetWhole() const;          // |trunc(x)|
+    ZtDecimal64 GetSignedWhole() const;    // trunc(x)
+    ZtDecimal64 GetFraction() const;       // |x - trunc(x)|
+    ZtDecimal64 GetSignedFraction() const; // also non-negative: equals GetFraction
+    ZtDecimal64 Abs() const;
+
+    // Classification.
+    bool IsZero() const;
+    bool IsNegative() const { return (m_value >> 63) != 0; } // so -0 is negative
+    bool IsNaN() const;
+    bool IsSignaling() const;
+    bool IsInfinite() const;
+    bool IsSubnormal() const;
+    bool IsCanonical() const;
+
+    // Place-based rounding, in place.
+    ZtDecimal64& RoundToPlace(int place);  // ties away from zero
+    ZtDecimal64& RoundHalfUp(int place);   // ties away from zero
+    ZtDecimal64& RoundHalfEven(int place); // ties to even
+    ZtDecimal64& RoundDown(int place);     // toward zero
+    ZtDecimal64& RoundUp(int place);       // leaves the value unchanged
+    ZtDecimal64& ScaleByPowerOf10(int n);  // x * 10^n
+    static ZtDecimal64 ScaleB(const ZtDecimal64& value, int n);
+    static ZtDecimal64 FMA(const ZtDecimal64& a, const ZtDecimal64& b, const ZtDecimal64& c);
+
+    // Arithmetic. % is the truncating remainder (sign of the dividend), like fmod.
+    ZtDecimal64 operator+(const ZtDecimal64& rhs) const;
+    ZtDecimal64 operator-(const ZtDecimal64& rhs) const;
+    ZtDecimal64 operator*(const ZtDecimal64& rhs) const;
+    ZtDecimal64 operator/(const ZtDecimal64& rhs) const;
+    ZtDecimal64 operator%(const ZtDecimal64& rhs) const;
+    ZtDecimal64 operator-() const;
+    ZtDecimal64& operator+=(const ZtDecimal64& rhs);
+    ZtDecimal64& operator-=(const ZtDecimal64& rhs);
+    ZtDecimal64& operator*=(const ZtDecimal64& rhs);
+    ZtDecimal64& operator/=(const ZtDecimal64& rhs);
+    ZtDecimal64& operator%=(const ZtDecimal64& rhs);
+
+    // Quiet comparisons: every comparison with a NaN is false except !=.
+    bool operator==(const ZtDecimal64& rhs) const;
+    bool operator!=(const ZtDecimal64& rhs) const;
+    bool operator<(const ZtDecimal64& rhs) const;
+    bool operator<=(const ZtDecimal64& rhs) const;
+    bool operator>(const ZtDecimal64& rhs) const;
+    bool operator>=(const ZtDecimal64& rhs) const;
+
+    // Shared constants, built on first use.
+    static const ZtDecimal64& Zero();
+    static const ZtDecimal64& GetMax(); // 9999999999999.99
+    static const ZtDecimal64& GetMin(); // -9999999999999.99
+
+    static const ZtDecimal64 m_internal_zero;
+
+private:
+    static constexpr uint64_t kZeroBits = 0x31C0000000000000ULL;
+    enum RawBits { Raw };
+    constexpr ZtDecimal64(uint64_t bits, RawBits) : m_value(bits) {}
+    bool IsPositive() const { return (m_value >> 63) == 0; }
+
+    uint64_t m_value;
+};
+
+static_assert(sizeof(ZtDecimal64) == 8, "ZtDecimal64 is one 64-bit word");

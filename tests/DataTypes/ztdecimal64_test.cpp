@@ -1,0 +1,258 @@
+// Behaviour of ZtDecimal64 that the Python oracle does not cover: construction, raw bits, text
+// form, classification, the status of conversions and the intended oddities of the helpers.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "Util/ZtDecimal64.h"
+
+namespace {
+constexpr uint64_t kZeroBits = 0x31C0000000000000ULL;
+
+std::string Text(const ZtDecimal64& d) {
+    return d.GetStringValue().c_str();
+}
+} // namespace
+
+TEST(ZtDecimal64Construct, DefaultIsPositiveZeroWithExponentZero) {
+    ZtDecimal64 d;
+    EXPECT_EQ(d.GetInternalToUInt64(), kZeroBits);
+    EXPECT_TRUE(d.IsZero());
+    EXPECT_FALSE(d.IsNegative());
+    EXPECT_EQ(ZtDecimal64::m_internal_zero.GetInternalToUInt64(), kZeroBits);
+    EXPECT_EQ(&ZtDecimal64::GetInternalZero(), &ZtDecimal64::m_internal_zero);
+    EXPECT_EQ(ZtDecimal64::Zero().GetInternalToUInt64(), kZeroBits);
+}
+
+TEST(ZtDecimal64Construct, NegatingZeroGivesNegativeZero) {
+    ZtDecimal64 d;
+    d.Negate();
+    EXPECT_TRUE(d.IsNegative());
+    EXPECT_TRUE(d.IsZero());
+    EXPECT_EQ(Text(d), "-0E+0");
+    EXPECT_TRUE(d == ZtDecimal64());
+    d.MakeAbs();
+    EXPECT_FALSE(d.IsNegative());
+}
+
+TEST(ZtDecimal64Construct, EveryConstructorAndSetterGivesTheLibrarysTextForm) {
+    struct Case {
+        ZtDecimal64 value;
+        const char* text;
+    };
+    ZtDecimal64 u32, u64, i64, dbl, str;
+    u32.SetUInt32Value(4294967295u);
+    u64.SetUInt64Value(18446744073709551615ull); // 20 digits: rounded to 16
+    i64.SetInt64Value(-9007199254740993ll);
+    dbl.SetDoubleValue(0.5);
+    str.SetStringValue("-0012.3400");
+    const Case cases[] = {
+        {ZtDecimal64(12), "+12E+0"},
+        {ZtDecimal64(-7LL), "-7E+0"},
+        {ZtDecimal64("12.34"), "+1234E-2"},
+        {ZtDecimal64("1E3"), "+1E+3"},
+        {ZtDecimal64(nullptr), "+0E+0"},
+        {u32, "+4294967295E+0"},
+        {u64, "+1844674407370955E+4"},
+        {i64, "-9007199254740993E+0"},
+        {str, "-123400E-4"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(Text(c.value), c.text);
+    }
+    EXPECT_TRUE(ZtDecimal64(0.25) == ZtDecimal64("0.25"));
+    EXPECT_TRUE(dbl == ZtDecimal64("0.5"));
+}
+
+TEST(ZtDecimal64Construct, RawBitsRoundTripAndNoInitCanBeFilled) {
+    ZtDecimal64 d(ZtDecimal64::NoInit);
+    d.SetInternallFromUInt64(0x31A00000000004D2ULL); // 1234 with exponent -1
+    EXPECT_EQ(Text(d), "+1234E-1");
+    EXPECT_EQ(d.GetInternalToUInt64(), 0x31A00000000004D2ULL);
+    ZtDecimal64 copy = d;
+    EXPECT_EQ(copy.GetInternalToUInt64(), d.GetInternalToUInt64());
+}
+
+TEST(ZtDecimal64Text, SpecialValuesUseTheLibrarysSpelling) {
+    ZtDecimal64 inf = ZtDecimal64(1) / ZtDecimal64(0);
+    ZtDecimal64 nan = ZtDecimal64(0) / ZtDecimal64(0);
+    EXPECT_TRUE(inf.IsInfinite());
+    EXPECT_TRUE(nan.IsNaN());
+    EXPECT_FALSE(Text(inf).empty());
+    EXPECT_FALSE(Text(nan).empty());
+    EXPECT_EQ(Text(-inf)[0], '-');
+    EXPECT_TRUE(ZtDecimal64("garbage").IsNaN());
+}
+
+TEST(ZtDecimal64Classify, PredicatesFollowTheEncoding) {
+    ZtDecimal64 snan(ZtDecimal64::NoInit);
+    snan.SetInternallFromUInt64(0x7E00000000000000ULL);
+    ZtDecimal64 noncanonical(ZtDecimal64::NoInit);
+    noncanonical.SetInternallFromUInt64(0x6C7386F26FC10000ULL); // coefficient above 10^16-1
+    ZtDecimal64 subnormal("1E-398");
+    EXPECT_TRUE(snan.IsNaN());
+    EXPECT_TRUE(snan.IsSignaling());
+    EXPECT_FALSE(ZtDecimal64(0).IsSignaling());
+    EXPECT_TRUE(subnormal.IsSubnormal());
+    EXPECT_FALSE(ZtDecimal64("1E-383").IsSubnormal());
+    EXPECT_FALSE(noncanonical.IsCanonical());
+    EXPECT_TRUE(noncanonical.IsZero()); // a non-canonical coefficient reads as zero
+    EXPECT_TRUE(ZtDecimal64("12.5").IsCanonical());
+}
+
+TEST(ZtDecimal64Convert, StatusFailsOnlyForInvalidOverflowOrUnderflow) {
+    struct Case {
+        const char* text;
+        bool int32Ok, uint32Ok, int64Ok, uint64Ok, doubleOk;
+    };
+    const Case cases[] = {
+        {"12.75", true, true, true, true, true}, // inexact alone is no failure
+        {"-1", true, false, true, false, true},
+        {"2147483648", false, true, true, true, true},
+        {"-2147483648", true, false, true, false, true},
+        {"4294967296", false, false, true, true, true},
+        {"9.3E18", false, false, false, true, true},
+        {"2E19", false, false, false, false, true},
+        {"1E300", false, false, false, false, true},
+        {"1E384", false, false, false, false, false}, // beyond binary64: overflow
+        {"1E-390", true, true, true, true, false},    // below binary64: underflow
+        {"NaN", false, false, false, false, true},    // a quiet NaN converts to double quietly
+        {"Infinity", false, false, false, false, true},
+    };
+    for (const Case& c : cases) {
+        ZtDecimal64 d(c.text);
+        ZtDecimal64::Status s1, s2, s3, s4, s5;
+        d.GetInt32Value(s1);
+        d.GetUInt32Value(s2);
+        d.GetInt64Value(s3);
+        d.GetUInt64Value(s4);
+        d.GetDoubleValue(s5);
+        EXPECT_EQ(s1 == ZtDecimal64::Converted, c.int32Ok) << c.text;
+        EXPECT_EQ(s2 == ZtDecimal64::Converted, c.uint32Ok) << c.text;
+        EXPECT_EQ(s3 == ZtDecimal64::Converted, c.int64Ok) << c.text;
+        EXPECT_EQ(s4 == ZtDecimal64::Converted, c.uint64Ok) << c.text;
+        EXPECT_EQ(s5 == ZtDecimal64::Converted, c.doubleOk) << c.text;
+    }
+}
+
+TEST(ZtDecimal64Convert, ConversionsTruncateTowardZero) {
+    ZtDecimal64::Status s;
+    EXPECT_EQ(ZtDecimal64("-7.9").GetInt32Value(s), -7);
+    EXPECT_EQ(ZtDecimal64("7.9").GetUInt64Value(s), 7u);
+    EXPECT_EQ(ZtDecimal64("1234.5678").GetDoubleValue(s), 1234.5678);
+}
+
+TEST(ZtDecimal64Parts, WholeAndFractionKeepTheirSignRules) {
+    struct Case {
+        const char* x;
+        const char* whole;
+        const char* signedWhole;
+        const char* fraction;
+    };
+    const Case cases[] = {
+        {"-1.25", "1", "-1", "0.25"},
+        {"1.25", "1", "1", "0.25"},
+        {"-0.5", "0", "-0", "0.5"},
+        {"42", "42", "42", "0"},
+    };
+    for (const Case& c : cases) {
+        ZtDecimal64 x(c.x);
+        EXPECT_TRUE(x.GetWhole() == ZtDecimal64(c.whole)) << c.x;
+        EXPECT_FALSE(x.GetWhole().IsNegative()) << c.x;
+        EXPECT_TRUE(x.GetSignedWhole() == ZtDecimal64(c.signedWhole)) << c.x;
+        EXPECT_TRUE(x.GetFraction() == ZtDecimal64(c.fraction)) << c.x;
+        // Both fraction getters are non-negative, by design.
+        EXPECT_TRUE(x.GetSignedFraction() == ZtDecimal64(c.fraction)) << c.x;
+    }
+}
+
+TEST(ZtDecimal64Parts, SetWholeAndSetFractionKeepTheReceiversSign) {
+    ZtDecimal64 neg("-3.75");
+    neg.SetWhole(ZtDecimal64(10));
+    EXPECT_EQ(Text(neg), "-1075E-2");
+    ZtDecimal64 pos("3.75");
+    pos.SetWhole(ZtDecimal64(-10)); // -10 + 0.75 made absolute
+    EXPECT_EQ(Text(pos), "+925E-2");
+    ZtDecimal64 frac("-3.75");
+    frac.SetFraction(ZtDecimal64("0.5"));
+    EXPECT_EQ(Text(frac), "-35E-1");
+}
+
+TEST(ZtDecimal64Round, PlaceHelpersRoundAtTheGivenDigit) {
+    struct Case {
+        const char* x;
+        int place;
+        const char* toPlace; // ties away from zero
+        const char* halfEven;
+        const char* down;
+    };
+    const Case cases[] = {
+        {"2.345", -2, "2.35", "2.34", "2.34"},
+        {"-2.345", -2, "-2.35", "-2.34", "-2.34"},
+        {"2.5", 0, "3", "2", "2"},
+        {"1250", 2, "1300", "1200", "1200"},
+        {"0.000015", -5, "0.00002", "0.00002", "0.00001"},
+        {"12.3", -5, "12.3", "12.3", "12.3"},
+    };
+    for (const Case& c : cases) {
+        ZtDecimal64 a(c.x), b(c.x), d(c.x), e(c.x);
+        EXPECT_TRUE(a.RoundToPlace(c.place) == ZtDecimal64(c.toPlace)) << c.x << " " << c.place;
+        EXPECT_TRUE(e.RoundHalfUp(c.place) == ZtDecimal64(c.toPlace)) << c.x << " " << c.place;
+        EXPECT_TRUE(b.RoundHalfEven(c.place) == ZtDecimal64(c.halfEven)) << c.x;
+        EXPECT_TRUE(d.RoundDown(c.place) == ZtDecimal64(c.down)) << c.x;
+    }
+}
+
+TEST(ZtDecimal64Round, RoundUpLeavesTheValueUnchanged) {
+    ZtDecimal64 d("1.234");
+    uint64_t before = d.GetInternalToUInt64();
+    EXPECT_EQ(d.RoundUp(-2).GetInternalToUInt64(), before);
+}
+
+TEST(ZtDecimal64Round, ScalingAndFusedMultiplyAdd) {
+    ZtDecimal64 d("1.5");
+    EXPECT_EQ(Text(d.ScaleByPowerOf10(3)), "+15E+2");
+    EXPECT_EQ(Text(ZtDecimal64::ScaleB(ZtDecimal64(7), -2)), "+7E-2");
+    // 1 + 1e-16 is lost by a separate multiply and add but kept by the fused form's single
+    // rounding, which shows in the product's low digit.
+    ZtDecimal64 a("1.000000000000001"), c("-1.000000000000002");
+    EXPECT_EQ(Text(ZtDecimal64::FMA(a, a, c)), "+1E-30");
+    EXPECT_TRUE((a * a + c).IsZero());
+}
+
+TEST(ZtDecimal64Arith, CompoundOperatorsMatchTheBinaryOnes) {
+    const ZtDecimal64 a("10.5"), b("-3");
+    ZtDecimal64 x = a;
+    x += b;
+    EXPECT_TRUE(x == a + b);
+    x = a;
+    x -= b;
+    EXPECT_TRUE(x == a - b);
+    x = a;
+    x *= b;
+    EXPECT_TRUE(x == a * b);
+    x = a;
+    x /= b;
+    EXPECT_TRUE(x == a / b);
+    x = a;
+    x %= b;
+    EXPECT_TRUE(x == a % b);
+    EXPECT_EQ(Text(a % b), "+15E-1");                                 // truncating remainder
+    EXPECT_EQ(Text(ZtDecimal64("-10.5") % ZtDecimal64(3)), "-15E-1"); // sign of the dividend
+}
+
+TEST(ZtDecimal64Compare, NaNComparesUnequalToEverything) {
+    ZtDecimal64 nan = ZtDecimal64(0) / ZtDecimal64(0);
+    EXPECT_FALSE(nan == nan);
+    EXPECT_TRUE(nan != nan);
+    EXPECT_FALSE(nan < ZtDecimal64(1));
+    EXPECT_FALSE(nan >= ZtDecimal64(1));
+}
+
+TEST(ZtDecimal64Constants, MaxAndMinAreTheLargestDollarAmounts) {
+    EXPECT_TRUE(ZtDecimal64::GetMax() > ZtDecimal64("9999999999999.98"));
+    EXPECT_TRUE(ZtDecimal64::GetMax() == ZtDecimal64("9999999999999.990"));
+    EXPECT_TRUE(ZtDecimal64::GetMin() == -ZtDecimal64::GetMax());
+    EXPECT_EQ(&ZtDecimal64::GetMax(), &ZtDecimal64::GetMax());
+}

@@ -1,0 +1,17 @@
+# Installs the library into a scratch prefix, then configures, builds and runs a consumer
+# project against it through find_package(ZtUtilities).
+set(zt_consumer_flags "")
+if(ZT_SANITIZE STREQUAL "address")
+    set(zt_consumer_flags "-fsanitize=address,undefined")
+elseif(ZT_SANITIZE STREQUAL "thread")
+    set(zt_consumer_flags "-fsanitize=thread")
+endif()
+add_test(NAME Install.ConsumerBuildsAgainstInstallTree
+    COMMAND ${CMAKE_COMMAND}
+        -DBUILD_DIR=${CMAKE_BINARY_DIR}
+        -DWORK_DIR=${CMAKE_BINARY_DIR}/install-test
+        -DCONSUMER_DIR=${CMAKE_CURRENT_LIST_DIR}/consumer
+        -DGENERATOR=${CMAKE_GENERATOR}
+        "-DCONSUMER_FLAGS=${zt_consumer_flags}"
+        -P ${CMAKE_SOURCE_DIR}/cmake/RunInstallTest.cmake)
+set_tests_properties(Install.ConsumerBuildsAgainstInstallTree PROPERTIES TIMEOUT 300)
