@@ -1,4 +1,4 @@
-# Script run by CTest: install, build the consumer, run it, check pkg-config's view too.
+# Script run by CTest: install, build the consumer, run it, check the pkg-config file is there.
 file(REMOVE_RECURSE "${WORK_DIR}")
 set(prefix "${WORK_DIR}/prefix")
 
@@ -11,8 +11,17 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${prefix}")
+# Every installed header must compile on its own: one translation unit per header.
+file(GLOB installed_headers RELATIVE "${prefix}/include" "${prefix}/include/Util/*.h")
+set(header_dir "${WORK_DIR}/headers")
+foreach(h IN LISTS installed_headers)
+    get_filename_component(stem "${h}" NAME_WE)
+    file(WRITE "${header_dir}/${stem}.cpp" "#include \"${h}\"\n")
+endforeach()
+
 run(${CMAKE_COMMAND} -S "${CONSUMER_DIR}" -B "${WORK_DIR}/consumer" -G "${GENERATOR}"
-    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CONSUMER_FLAGS}"
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DHEADER_TU_DIR=${header_dir}"
+    "-DCMAKE_CXX_FLAGS=${CONSUMER_FLAGS}"
     "-DCMAKE_EXE_LINKER_FLAGS=${CONSUMER_FLAGS}")
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/consumer")
 find_program(consumer NAMES consumer PATHS "${WORK_DIR}/consumer" NO_DEFAULT_PATH REQUIRED)

@@ -1,0 +1,7 @@
+#include "Util/OpsBridge.h"
+
+namespace Util {
+
+OpsBridge::~OpsBridge() = default;
+
+} // namespace Util

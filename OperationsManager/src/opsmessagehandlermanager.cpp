@@ -1,0 +1,122 @@
+#include "Util/OpsMessageHandlerManager.h"
+
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "OperationsManager/src/opshandlers.h"
+#include "Util/OpsSubscriptionManager.h"
+
+namespace Util {
+
+struct OpsMessageHandlerManager::Registry {
+    mutable std::mutex mutex;
+    std::map<std::string, OpsHandlerFactory> handlers;
+};
+
+namespace {
+
+// Events reported by a handler while it runs are not handled again on that thread.
+thread_local int t_handlingDepth = 0;
+
+struct DepthGuard {
+    DepthGuard() { ++t_handlingDepth; }
+    ~DepthGuard() { --t_handlingDepth; }
+};
+
+} // namespace
+
+OpsMessageHandlerManager& OpsMessageHandlerManager::GetInstance() {
+    static OpsMessageHandlerManager* const s_pInstance = new OpsMessageHandlerManager();
+    return *s_pInstance;
+}
+
+OpsMessageHandlerManager::OpsMessageHandlerManager() : m_pRegistry(new Registry()) {
+    OpsDetail::RegisterStandardHandlers(m_pRegistry->handlers);
+}
+
+void OpsMessageHandlerManager::RegisterHandler(const char* keyword, OpsHandlerFactory factory) {
+    if (keyword == nullptr || !factory)
+        return;
+    std::lock_guard<std::mutex> lock(m_pRegistry->mutex);
+    m_pRegistry->handlers[keyword] = std::move(factory);
+}
+
+bool OpsMessageHandlerManager::IsHandlerKeyword(const char* keyword) const {
+    std::lock_guard<std::mutex> lock(m_pRegistry->mutex);
+    return keyword != nullptr && m_pRegistry->handlers.count(keyword) != 0;
+}
+
+std::shared_ptr<OpsMessageHandler>
+OpsMessageHandlerManager::CreateHandler(const char* keyword, const AttributeSet& attributes,
+                                        TString& error) const {
+    if (keyword == nullptr) {
+        error = "No handler keyword";
+        return nullptr;
+    }
+    OpsHandlerFactory factory;
+    {
+        std::lock_guard<std::mutex> lock(m_pRegistry->mutex);
+        const auto it = m_pRegistry->handlers.find(keyword);
+        if (it != m_pRegistry->handlers.end())
+            factory = it->second;
+    }
+    if (!factory) {
+        error = (std::string("Unknown handler \"") + keyword + "\"").c_str();
+        return nullptr;
+    }
+    try {
+        return factory(attributes, error);
+    } catch (const std::exception& e) {
+        error = (std::string(keyword) + ": " + e.what()).c_str();
+        return nullptr;
+    }
+}
+
+bool OpsMessageHandlerManager::HandleMessage(Ops::EventType type, Ops::Level level,
+                                             const MessageContext& context, const char* text) {
+    if (t_handlingDepth > 0)
+        return false;
+    DepthGuard depth;
+    const OpsSubscriptionManager::Snapshot subscriptions =
+        OpsSubscriptionManager::GetInstance().GetSubscriptions();
+    const OpsEvent event{type, level, context, text ? text : ""};
+
+    bool handled = false;
+    std::vector<std::string> keysDone;
+    std::vector<OpsMessageHandler*> endingHandlers;
+    for (const OpsSubscriptionManager::Subscription& subscription : *subscriptions) {
+        if (!subscription.mask.Test(type, level))
+            continue;
+        if (subscription.filter && !subscription.filter->Matches(event))
+            continue;
+        for (const auto& handler : subscription.handlers) {
+            std::string key = handler->GetKey().c_str();
+            bool done = false;
+            for (const std::string& k : keysDone)
+                done = done || k == key;
+            if (done)
+                continue;
+            keysDone.push_back(std::move(key));
+            if (handler->EndsProcess()) {
+                endingHandlers.push_back(handler.get());
+                continue;
+            }
+            try {
+                handled = handler->HandleMessage(event) || handled;
+            } catch (...) {
+                // A failing handler must not take the reporting thread down with it.
+            }
+        }
+    }
+    // Handlers that end the process run last, once the event has been logged everywhere else.
+    for (OpsMessageHandler* handler : endingHandlers) {
+        try {
+            handled = handler->HandleMessage(event) || handled;
+        } catch (...) {
+        }
+    }
+    return handled;
+}
+
+} // namespace Util

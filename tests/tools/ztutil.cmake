@@ -1,0 +1,13 @@
+# The command-line tool: version, help, usage errors and the demo.
+if(TARGET ztutil)
+    add_test(NAME ztutil.Version COMMAND ztutil --version)
+    set_tests_properties(ztutil.Version PROPERTIES PASS_REGULAR_EXPRESSION "^ztutil [0-9]+\\.[0-9]+\\.[0-9]+")
+    add_test(NAME ztutil.HelpListsCommands COMMAND ztutil --help)
+    set_tests_properties(ztutil.HelpListsCommands PROPERTIES PASS_REGULAR_EXPRESSION "demo")
+    add_test(NAME ztutil.UnknownCommandIsAUsageError COMMAND ztutil no-such-command)
+    set_tests_properties(ztutil.UnknownCommandIsAUsageError PROPERTIES WILL_FAIL TRUE)
+    add_test(NAME ztutil.NoArgumentsIsAUsageError COMMAND ztutil)
+    set_tests_properties(ztutil.NoArgumentsIsAUsageError PROPERTIES WILL_FAIL TRUE)
+    add_test(NAME ztutil.DemoRuns COMMAND ztutil demo)
+    set_tests_properties(ztutil.DemoRuns PROPERTIES PASS_REGULAR_EXPRESSION "Cannot open ledger.dat")
+endif()
