@@ -1,7 +1,9 @@
 # The README's commands. Each installs what it needs first (tools/install-deps is idempotent).
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: deps build demo test bench asan tsan format clean
+.PHONY: deps build demo test bench asan tsan fuzz format clean
+
+FUZZ_SECONDS ?= 60
 
 deps:
 	@bash tools/install-deps
@@ -30,6 +32,16 @@ tsan: deps
 	cmake --preset tsan
 	cmake --build --preset tsan -j $(JOBS)
 	ctest --preset tsan
+
+# Each harness runs for FUZZ_SECONDS on an empty corpus of its own.
+fuzz: deps
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	@for h in build/fuzz/fuzz/fuzz_*; do \
+	    mkdir -p build/fuzz/corpus/$$(basename $$h); \
+	    echo "== $$h"; \
+	    $$h -max_total_time=$(FUZZ_SECONDS) -rss_limit_mb=2048 build/fuzz/corpus/$$(basename $$h) || exit 1; \
+	done
 
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i

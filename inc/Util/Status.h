@@ -29,7 +29,7 @@ namespace Util {
 
 class StatusPool;
 
-class ZTUTIL_API StatusImpl : public AttributeSet {
+class ZTUTIL_API StatusImpl final : public AttributeSet {
 public:
     StatusImpl();
     StatusImpl(long code, const char* format);
