@@ -98,6 +98,10 @@ public:
     static void Print(ExpressParseNode* root, PrintTheNode& printer,
                       const SymbolLookupValues& symbols, const char* label);
 
+    static bool IsPlainNumber(const NodeVariantData& value);
+    static void CombineNumbers(Kind kind, ExpressParseNode* node, const NodeVariantData& left,
+                               const NodeVariantData& right);
+
     // Deletes the given subtrees without recursing through the destructors.
     static void DeleteSubtrees(ExpressParseNode* const* nodes, std::size_t count);
 };

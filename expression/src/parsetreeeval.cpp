@@ -1,3 +1,5 @@
+#include <cfloat>
+#include <cstdint>
 #include <cstring>
 
 #include "expression/src/parsetreeengine.h"
@@ -23,6 +25,98 @@ bool IsNoTable(const SymbolLookupValues& symbols) {
 }
 
 } // namespace
+
+namespace {
+
+inline double AsDouble(const NodeVariantData& value, std::int32_t asLong, double asDouble) {
+    return value.GetDataType() == NVDT_DOUBLE ? asDouble : static_cast<double>(asLong);
+}
+
+} // namespace
+
+bool ParseTreeEngine::IsPlainNumber(const NodeVariantData& value) {
+    return value.m_status == PNS_SUCCESS &&
+           (value.m_type == NVDT_LONG || value.m_type == NVDT_DOUBLE);
+}
+
+// The operators of NodeVariantData for two error-free longs or doubles, without building
+// temporaries: the same table (any double makes it double arithmetic), the same limits for
+// division by zero, 32-bit wrap-around for longs and the 0.0001 tolerance for comparisons.
+void ParseTreeEngine::CombineNumbers(Kind kind, ExpressParseNode* node, const NodeVariantData& left,
+                                     const NodeVariantData& right) {
+    NodeVariantData& value = node->m_value;
+    value.m_status = PNS_SUCCESS;
+    int order = 0;
+    if (left.m_type == NVDT_DOUBLE || right.m_type == NVDT_DOUBLE) {
+        const double l = AsDouble(left, left.m_long, left.m_double);
+        const double r = AsDouble(right, right.m_long, right.m_double);
+        switch (kind) {
+        case kAdd:
+            value.SetDoubleValue(l + r);
+            return;
+        case kSub:
+            value.SetDoubleValue(l - r);
+            return;
+        case kMult:
+            value.SetDoubleValue(l * r);
+            return;
+        case kDivide:
+            value.SetDoubleValue(r == 0.0 ? DBL_MAX : l / r);
+            return;
+        default: {
+            const double difference = l - r;
+            order = difference < -0.0001 ? -1 : difference > 0.0001 ? 1 : 0;
+            break;
+        }
+        }
+    } else {
+        const std::int64_t l = left.m_long;
+        const std::int64_t r = right.m_long;
+        auto wrap = [](std::int64_t v) {
+            return static_cast<std::int32_t>(
+                static_cast<std::uint32_t>(static_cast<std::uint64_t>(v)));
+        };
+        switch (kind) {
+        case kAdd:
+            value.SetLongValue(wrap(l + r));
+            return;
+        case kSub:
+            value.SetLongValue(wrap(l - r));
+            return;
+        case kMult:
+            value.SetLongValue(wrap(l * r));
+            return;
+        case kDivide:
+            value.SetLongValue(r == 0 ? 2147483647 : wrap(l / r));
+            return;
+        default:
+            order = l < r ? -1 : l > r ? 1 : 0;
+            break;
+        }
+    }
+    bool truth = false;
+    switch (static_cast<CompNode*>(node)->GetCompareType()) {
+    case CT_LESS:
+        truth = order < 0;
+        break;
+    case CT_LESS_EQUAL:
+        truth = order <= 0;
+        break;
+    case CT_GREATER:
+        truth = order > 0;
+        break;
+    case CT_GREATER_EQUAL:
+        truth = order >= 0;
+        break;
+    case CT_EQUAL:
+        truth = order == 0;
+        break;
+    default:
+        truth = order != 0;
+        break;
+    }
+    value.SetLongValue(truth ? 1 : 0);
+}
 
 // One pass over the tree in evaluation order. Frames say which node is being worked on and how
 // far; values holds the results of finished children (pointers into the nodes' own values).
@@ -68,9 +162,15 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
                 value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
             } else {
                 Variant symbol;
-                if (symbols.GetSymbolValue(name, symbol))
-                    value = symbol;
-                else
+                if (symbols.GetSymbolValue(name, symbol)) {
+                    const __util_Variant& data = symbol.GetData();
+                    if (data.vt == UTIL_VT_DOUBLE) {
+                        value.m_status = PNS_SUCCESS;
+                        value.SetDoubleValue(data.dblVal);
+                    } else {
+                        value = symbol;
+                    }
+                } else
                     value.SetText("Undefined Symbol ", name, " ", PNS_UNDEFINED_SYMBOL);
             }
             finish(node);
@@ -97,6 +197,11 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
             values.pop_back();
             const NodeVariantData& left = *values.back();
             values.pop_back();
+            if (IsPlainNumber(left) && IsPlainNumber(right)) {
+                CombineNumbers(frame.kind, node, left, right);
+                finish(node);
+                break;
+            }
             switch (frame.kind) {
             case kAdd:
                 value = left + right;
@@ -176,8 +281,12 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
             value = *values.back();
             values.pop_back();
             // An error value is not stored in the table.
-            if (!value.HasError() && bin->m_pLeft != nullptr && bin->m_pLeft->IsLvalue())
+            if (!value.HasError() && bin->m_pLeft != nullptr && bin->m_pLeft->IsLvalue()) {
                 bin->m_pLeft->Assign(value, symbols);
+                // The variable now holds the value, which is what a printed tree should show.
+                if (ClassifyExact(bin->m_pLeft) == kVar)
+                    bin->m_pLeft->m_value = value;
+            }
             finish(node);
             break;
         }
