@@ -141,6 +141,16 @@ TEST(BlockStringCacheReplace, SameLengthInPlaceOtherwiseMoves) {
     const char* tail = cache.ReplaceString(text, text + 14);
     EXPECT_STREQ(tail, "string to be shortened in place");
 
+    // Also when the reused chunk is split inside the text being copied.
+    std::string hundred(100, 'x');
+    for (size_t i = 0; i < hundred.size(); ++i) {
+        hundred[i] = static_cast<char>('a' + i % 26);
+    }
+    const char* wide = cache.AddString(hundred.c_str());
+    const char* half = cache.ReplaceString(wide, wide + 50);
+    EXPECT_EQ(half, wide);
+    EXPECT_EQ(std::string(half), hundred.substr(50));
+
     std::string huge(70000, 'h');
     EXPECT_EQ(cache.ReplaceString(tail, huge.c_str()), nullptr);
     EXPECT_STREQ(tail, "string to be shortened in place");
