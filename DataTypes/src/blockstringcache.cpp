@@ -270,7 +270,8 @@ void BlockStringCache::FormatStatistics(bool detail, std::vector<TString>& lines
 }
 
 void BlockStringCache::DumpStatistics(bool detail) const {
-    ValuesStatistics::DumpLines sink;
+    ValuesStatistics::DumpLines sink{"Util::BlockStringCache::DumpStatistics",
+                                     "void Util::BlockStringCache::DumpStatistics(bool) const"};
     ValuesStatistics::EmitCache(*this, detail, sink);
 }
 

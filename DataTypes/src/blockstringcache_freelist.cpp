@@ -70,7 +70,8 @@ void FreeList::FormatStatistics(bool detail, std::vector<TString>& lines) const 
 }
 
 void FreeList::DumpStatistics(bool detail) const {
-    ValuesStatistics::DumpLines sink;
+    ValuesStatistics::DumpLines sink{"Util::FreeList::DumpStatistics",
+                                     "void Util::FreeList::DumpStatistics(bool) const"};
     ValuesStatistics::EmitFreeList(*this, detail, sink);
 }
 
