@@ -147,6 +147,7 @@ bool BlockStringCache::ReturnToFreeList(const char* s, std::size_t byteLength) {
     }
     char* chunk = const_cast<char*>(s) - kHeaderSize;
     std::uint64_t chunkSize = ReadHeader(chunk);
+    // A header no chunk of this cache can have means a buffer the cache never handed out.
     if (!VALUES_VERIFY(chunkSize >= byteLength + kHeaderSize && chunkSize <= m_blockSize)) {
         return false;
     }
@@ -191,7 +192,9 @@ int BlockStringCache::RemoveString(const char* s) {
         return 0;
     }
     ++m_removeCount;
-    return ReturnToFreeList(s, std::strlen(s) + 1) ? 0 : -1;
+    // The chunk's size comes from its header; the string's own length is not needed (reading
+    // it would cost more than the rest of the removal), only its smallest possible value.
+    return ReturnToFreeList(s, 2) ? 0 : -1;
 }
 
 const char* BlockStringCache::ReplaceString(const char* oldStr, const char* newStr) {

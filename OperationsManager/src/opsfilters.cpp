@@ -6,8 +6,10 @@
 #include <regex>
 
 #include "OperationsManager/src/opsattributes.h"
+#include "OperationsManager/src/opsfilelist.h"
 #include "OperationsManager/src/opsinifile.h"
 #include "OperationsManager/src/opsplatform.h"
+#include "Util/OpsContext.h"
 
 namespace Util {
 
@@ -164,8 +166,14 @@ public:
         if (!m_checked || now - m_lastCheck >= std::chrono::milliseconds(500)) {
             m_checked = true;
             m_lastCheck = now;
+            // A relative name is looked for in the operations directory, beside the .ops files.
+            TString directory;
+            if (const OpsContext* context = GetOps().GetOpsContext())
+                context->GetOpsDirectory(directory);
             std::string value;
-            m_matches = m_reader.GetValue(m_file, m_section, m_key, value) && value == m_expected;
+            m_matches =
+                m_reader.GetValue(JoinPath(directory.c_str(), m_file), m_section, m_key, value) &&
+                value == m_expected;
         }
         return m_matches;
     }

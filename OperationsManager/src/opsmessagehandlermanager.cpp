@@ -1,5 +1,6 @@
 #include "Util/OpsMessageHandlerManager.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <string>
@@ -82,38 +83,37 @@ bool OpsMessageHandlerManager::HandleMessage(Ops::EventType type, Ops::Level lev
         OpsSubscriptionManager::GetInstance().GetSubscriptions();
     const OpsEvent event{type, level, context, text ? text : ""};
 
-    bool handled = false;
-    std::vector<std::string> keysDone;
-    std::vector<OpsMessageHandler*> endingHandlers;
+    // Collect first: keys are compared only when more than one handler wants the event.
+    std::vector<OpsMessageHandler*> matched;
     for (const OpsSubscriptionManager::Subscription& subscription : *subscriptions) {
         if (!subscription.mask.Test(type, level))
             continue;
         if (subscription.filter && !subscription.filter->Matches(event))
             continue;
-        for (const auto& handler : subscription.handlers) {
-            std::string key = handler->GetKey().c_str();
-            bool done = false;
-            for (const std::string& k : keysDone)
-                done = done || k == key;
-            if (done)
-                continue;
-            keysDone.push_back(std::move(key));
-            if (handler->EndsProcess()) {
-                endingHandlers.push_back(handler.get());
-                continue;
-            }
-            try {
-                handled = handler->HandleMessage(event) || handled;
-            } catch (...) {
-                // A failing handler must not take the reporting thread down with it.
-            }
-        }
+        for (const auto& handler : subscription.handlers)
+            matched.push_back(handler.get());
     }
-    // Handlers that end the process run last, once the event has been logged everywhere else.
-    for (OpsMessageHandler* handler : endingHandlers) {
+    if (matched.size() > 1) {
+        std::vector<std::string> keys;
+        std::size_t kept = 0;
+        for (OpsMessageHandler* handler : matched) {
+            std::string key = handler->GetKey().c_str();
+            if (std::find(keys.begin(), keys.end(), key) != keys.end())
+                continue;
+            keys.push_back(std::move(key));
+            matched[kept++] = handler;
+        }
+        matched.resize(kept);
+        // Handlers that end the process run last, once the event has been logged elsewhere.
+        std::stable_partition(matched.begin(), matched.end(),
+                              [](OpsMessageHandler* h) { return !h->EndsProcess(); });
+    }
+    bool handled = false;
+    for (OpsMessageHandler* handler : matched) {
         try {
             handled = handler->HandleMessage(event) || handled;
         } catch (...) {
+            // A failing handler must not take the reporting thread down with it.
         }
     }
     return handled;

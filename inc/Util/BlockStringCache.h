@@ -16,6 +16,8 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <new>
+#include <stdexcept>
 #include <vector>
 
 namespace Util {
@@ -51,7 +53,8 @@ public:
 
 private:
     // Chunks below kSmallSizes bytes sit in one FIFO per exact size, found through a bitmap;
-    // larger ones in an ordered multimap. Both keep the same order a single multimap would.
+    // larger ones in an ordered multimap. Both keep the order a single multimap would. The
+    // small-chunk paths are inline: they are the cost of every AddString and RemoveString.
     static constexpr std::size_t kSmallSizes = 1024;
     static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
     struct Node {
@@ -59,8 +62,14 @@ private:
         std::uint32_t next;
     };
 
-    std::uint32_t NewNode(char* start);
     std::size_t FindSmall(std::size_t needed) const;
+    void PushSmall(char* start, std::size_t size);
+    char* PopSmall(std::size_t size);
+    void InsertLarge(char* start, std::size_t size);
+    char* TakeLarge(std::size_t needed, std::size_t slack, std::size_t& size);
+    static unsigned LowestBit(std::uint64_t bits) {
+        return static_cast<unsigned>(__builtin_ctzll(bits));
+    }
 
     std::vector<Node> m_nodes;
     std::uint32_t m_freeNodes = kNone;
@@ -72,6 +81,98 @@ private:
     std::size_t m_count = 0;
     std::size_t m_totalFree = 0;
 };
+
+// The smallest listed size in [needed, kSmallSizes), or kSmallSizes when there is none.
+inline std::size_t FreeList::FindSmall(std::size_t needed) const {
+    if (needed >= kSmallSizes) {
+        return kSmallSizes;
+    }
+    std::size_t word = needed >> 6;
+    std::uint64_t bits = m_bits[word] & (~std::uint64_t(0) << (needed & 63));
+    if (bits != 0) {
+        return (word << 6) + LowestBit(bits);
+    }
+    std::uint32_t higher = m_summary & ~((2u << word) - 1);
+    if (higher == 0) {
+        return kSmallSizes;
+    }
+    std::size_t next = LowestBit(higher);
+    return (next << 6) + LowestBit(m_bits[next]);
+}
+
+inline void FreeList::PushSmall(char* start, std::size_t size) {
+    std::uint32_t node = m_freeNodes;
+    if (node != kNone) {
+        m_freeNodes = m_nodes[node].next;
+        m_nodes[node] = Node{start, kNone};
+    } else {
+        if (m_nodes.size() >= kNone) {
+            throw std::bad_alloc();
+        }
+        m_nodes.push_back(Node{start, kNone});
+        node = static_cast<std::uint32_t>(m_nodes.size() - 1);
+    }
+    if (m_tail[size] == kNone) {
+        m_head[size] = node;
+        m_bits[size >> 6] |= std::uint64_t(1) << (size & 63);
+        m_summary |= 1u << (size >> 6);
+    } else {
+        m_nodes[m_tail[size]].next = node;
+    }
+    m_tail[size] = node;
+    ++m_count;
+    m_totalFree += size;
+}
+
+inline char* FreeList::PopSmall(std::size_t size) {
+    std::uint32_t node = m_head[size];
+    char* start = m_nodes[node].start;
+    m_head[size] = m_nodes[node].next;
+    if (m_head[size] == kNone) {
+        m_tail[size] = kNone;
+        std::uint64_t& word = m_bits[size >> 6];
+        word &= ~(std::uint64_t(1) << (size & 63));
+        if (word == 0) {
+            m_summary &= ~(1u << (size >> 6));
+        }
+    }
+    m_nodes[node].next = m_freeNodes;
+    m_freeNodes = node;
+    --m_count;
+    m_totalFree -= size;
+    return start;
+}
+
+inline bool FreeList::Insert(char* start, std::size_t size) {
+    try {
+        if (size < kSmallSizes) {
+            PushSmall(start, size);
+        } else {
+            InsertLarge(start, size);
+        }
+    } catch (const std::exception&) {
+        return false;
+    }
+    return true;
+}
+
+inline char* FreeList::TakeBestFit(std::size_t needed, std::size_t& size) {
+    return TakeBestFitAndSplit(needed, ~std::size_t(0), size);
+}
+
+inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack,
+                                           std::size_t& size) {
+    std::size_t small = FindSmall(needed);
+    if (small == kSmallSizes) {
+        return TakeLarge(needed, slack, size);
+    }
+    char* start = PopSmall(small);
+    size = small;
+    if (small - needed > slack && Insert(start + needed, small - needed)) {
+        size = needed;
+    }
+    return start;
+}
 
 template <class F> void FreeList::ForEach(F&& visit) const {
     for (std::size_t size = 0; size < kSmallSizes; ++size) {

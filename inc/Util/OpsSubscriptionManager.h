@@ -9,7 +9,8 @@
 // Filters are made by keyword: "EVENT_TYPE_FILTER" ("type"), "LEVEL_FILTER" ("level": that level
 // and worse), "FILE_NAME_FILTER", "FUNC_NAME_FILTER", "FUNC_SIG_FILTER", "MESSAGE_FILTER" (each
 // "regexp", searched in the file name, function name, signature or formatted text),
-// "INI_VALUE_FILTER" ("file_name", "group" as "Section\Key", "expected_value"),
+// "INI_VALUE_FILTER" ("file_name", relative to the operations directory; "group" as
+// "Section\Key"; "expected_value"; the file is read again when it changes),
 // "NUM_LOCK_FILTER" (num lock on; never on POSIX), "ALL_OF", "ANY_OF" and "EXCLUDE" (groups).
 // Applications add their own with RegisterFilter.
 #pragma once

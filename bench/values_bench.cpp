@@ -1,0 +1,214 @@
+// Value types against their peers: Base64 against OpenSSL's block functions, the block string
+// cache against one heap allocation per string (strdup + free).
+#include "Util/Base64Coder.h"
+#include "Util/BlockStringCache.h"
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+#include <openssl/evp.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+const size_t kMiB = 1 << 20;
+
+std::vector<unsigned char> RandomBytes(size_t n) {
+    std::mt19937 rng(1);
+    std::vector<unsigned char> v(n);
+    for (auto& b : v) {
+        b = static_cast<unsigned char>(rng());
+    }
+    return v;
+}
+
+std::string EncodedMiB() {
+    auto in = RandomBytes(kMiB);
+    std::string out(4 * ((kMiB + 2) / 3) + 1, '\0');
+    int n = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(&out[0]), in.data(),
+                            static_cast<int>(kMiB));
+    out.resize(static_cast<size_t>(n));
+    return out;
+}
+
+void BM_Ours_Base64Encode1MiB(benchmark::State& state) {
+    auto in = RandomBytes(kMiB);
+    Base64Coder coder;
+    for (auto _ : state) {
+        coder.Encode(in.data(), in.size());
+        benchmark::DoNotOptimize(coder.EncodedMessage());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kMiB));
+}
+
+void BM_Peer_Base64Encode1MiB(benchmark::State& state) {
+    auto in = RandomBytes(kMiB);
+    std::vector<unsigned char> out(4 * ((kMiB + 2) / 3) + 1);
+    for (auto _ : state) {
+        int n = EVP_EncodeBlock(out.data(), in.data(), static_cast<int>(in.size()));
+        benchmark::DoNotOptimize(n);
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kMiB));
+}
+
+void BM_Ours_Base64Decode1MiB(benchmark::State& state) {
+    std::string text = EncodedMiB();
+    Base64Coder coder;
+    for (auto _ : state) {
+        coder.Decode(reinterpret_cast<const unsigned char*>(text.data()), text.size());
+        benchmark::DoNotOptimize(coder.DecodedMessage());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kMiB));
+}
+
+void BM_Peer_Base64Decode1MiB(benchmark::State& state) {
+    std::string text = EncodedMiB();
+    std::vector<unsigned char> out(text.size());
+    for (auto _ : state) {
+        int n = EVP_DecodeBlock(out.data(), reinterpret_cast<const unsigned char*>(text.data()),
+                                static_cast<int>(text.size()));
+        benchmark::DoNotOptimize(n);
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kMiB));
+}
+
+// Strings of 8 to 64 bytes with their terminator, drawn in a fixed order.
+std::vector<std::string> ChurnStrings() {
+    std::mt19937 rng(2);
+    std::vector<std::string> strings(4096);
+    for (auto& s : strings) {
+        s.assign(7 + rng() % 57, 'x');
+        for (auto& c : s) {
+            c = static_cast<char>('a' + rng() % 26);
+        }
+    }
+    return strings;
+}
+
+const size_t kLive = 1024;
+
+// Steady churn: 1024 strings stay alive; each step removes one and adds a new one in its place.
+void BM_Ours_AddRemove8to64(benchmark::State& state) {
+    auto strings = ChurnStrings();
+    Util::BlockStringCache cache;
+    std::vector<const char*> live(kLive);
+    for (size_t i = 0; i < kLive; ++i) {
+        live[i] = cache.AddString(strings[i].c_str());
+    }
+    size_t next = kLive;
+    for (auto _ : state) {
+        size_t slot = next % kLive;
+        cache.RemoveString(live[slot]);
+        live[slot] = cache.AddString(strings[next % strings.size()].c_str());
+        benchmark::DoNotOptimize(live[slot]);
+        ++next;
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+}
+
+void BM_Peer_AddRemove8to64(benchmark::State& state) {
+    auto strings = ChurnStrings();
+    std::vector<char*> live(kLive);
+    for (size_t i = 0; i < kLive; ++i) {
+        live[i] = strdup(strings[i].c_str());
+    }
+    size_t next = kLive;
+    for (auto _ : state) {
+        size_t slot = next % kLive;
+        std::free(live[slot]);
+        live[slot] = strdup(strings[next % strings.size()].c_str());
+        benchmark::DoNotOptimize(live[slot]);
+        ++next;
+    }
+    for (char* p : live) {
+        std::free(p);
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+}
+
+// The same pair with nothing else alive: the freed chunk comes straight back.
+void BM_Ours_AddRemovePair8to64(benchmark::State& state) {
+    auto strings = ChurnStrings();
+    Util::BlockStringCache cache;
+    size_t next = 0;
+    for (auto _ : state) {
+        const char* s = cache.AddString(strings[next++ % strings.size()].c_str());
+        benchmark::DoNotOptimize(s);
+        cache.RemoveString(s);
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+}
+
+void BM_Peer_AddRemovePair8to64(benchmark::State& state) {
+    auto strings = ChurnStrings();
+    size_t next = 0;
+    for (auto _ : state) {
+        char* s = strdup(strings[next++ % strings.size()].c_str());
+        benchmark::DoNotOptimize(s);
+        std::free(s);
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+}
+
+size_t HeapInUse() {
+    struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
+const size_t kMillion = 1000000;
+
+// One million 16-character strings held at once; "bytes_per_string" is the heap they take.
+void BM_Ours_Hold1M16(benchmark::State& state) {
+    const char* text = "abcdefghijklmnop";
+    std::vector<const char*> held(kMillion);
+    double perString = 0;
+    for (auto _ : state) {
+        size_t before = HeapInUse();
+        Util::BlockStringCache cache;
+        for (size_t i = 0; i < kMillion; ++i) {
+            held[i] = cache.AddString(text);
+        }
+        perString = static_cast<double>(HeapInUse() - before) / kMillion;
+        benchmark::DoNotOptimize(held.data());
+    }
+    state.counters["bytes_per_string"] = perString;
+}
+
+void BM_Peer_Hold1M16(benchmark::State& state) {
+    const char* text = "abcdefghijklmnop";
+    std::vector<char*> held(kMillion);
+    double perString = 0;
+    for (auto _ : state) {
+        size_t before = HeapInUse();
+        for (size_t i = 0; i < kMillion; ++i) {
+            held[i] = strdup(text);
+        }
+        perString = static_cast<double>(HeapInUse() - before) / kMillion;
+        benchmark::DoNotOptimize(held.data());
+        for (char* p : held) {
+            std::free(p);
+        }
+    }
+    state.counters["bytes_per_string"] = perString;
+}
+
+} // namespace
+
+BENCHMARK(BM_Ours_Base64Encode1MiB);
+BENCHMARK(BM_Peer_Base64Encode1MiB);
+BENCHMARK(BM_Ours_Base64Decode1MiB);
+BENCHMARK(BM_Peer_Base64Decode1MiB);
+BENCHMARK(BM_Ours_AddRemove8to64);
+BENCHMARK(BM_Peer_AddRemove8to64);
+BENCHMARK(BM_Ours_AddRemovePair8to64);
+BENCHMARK(BM_Peer_AddRemovePair8to64);
+BENCHMARK(BM_Ours_Hold1M16)->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Peer_Hold1M16)->Iterations(3)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();

@@ -1,0 +1,393 @@
+#include <string>
+#include <vector>
+
+#include "Util/ExpressionParser.h"
+
+namespace Util {
+namespace {
+
+// Binding strength of the binary operators, loosest first. Assignment sits below all of them.
+enum Precedence : unsigned char {
+    kPrecAssign = 0,
+    kPrecOr = 1,
+    kPrecAnd = 2,
+    kPrecCompare = 3,
+    kPrecAdd = 4,
+    kPrecMult = 5
+};
+
+struct BinaryOperator {
+    Precedence precedence;
+    ParseNodeType type;      // for + - * /
+    CompareType compareType; // for the comparisons, And and Or (0 otherwise)
+};
+
+bool LookUpBinary(Tokenizer::EToken token, BinaryOperator& op) {
+    switch (token) {
+    case Tokenizer::Plus:
+        op = {kPrecAdd, PNT_ADD, CompareType(0)};
+        return true;
+    case Tokenizer::Minus:
+        op = {kPrecAdd, PNT_SUB, CompareType(0)};
+        return true;
+    case Tokenizer::Times:
+        op = {kPrecMult, PNT_MULT, CompareType(0)};
+        return true;
+    case Tokenizer::Divide:
+        op = {kPrecMult, PNT_DIVIDE, CompareType(0)};
+        return true;
+    case Tokenizer::Less:
+        op = {kPrecCompare, PNT_NONE, CT_LESS};
+        return true;
+    case Tokenizer::LessEqual:
+        op = {kPrecCompare, PNT_NONE, CT_LESS_EQUAL};
+        return true;
+    case Tokenizer::Greater:
+        op = {kPrecCompare, PNT_NONE, CT_GREATER};
+        return true;
+    case Tokenizer::GreaterEqual:
+        op = {kPrecCompare, PNT_NONE, CT_GREATER_EQUAL};
+        return true;
+    case Tokenizer::Equal:
+        op = {kPrecCompare, PNT_NONE, CT_EQUAL};
+        return true;
+    case Tokenizer::NotEqual:
+        op = {kPrecCompare, PNT_NONE, CT_NOT_EQUAL};
+        return true;
+    case Tokenizer::AndOp:
+        op = {kPrecAnd, PNT_NONE, CT_AND};
+        return true;
+    case Tokenizer::OrOp:
+        op = {kPrecOr, PNT_NONE, CT_OR};
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+// An operator-precedence parser with explicit stacks: operands waiting for their operator, and
+// operators, prefixes, parentheses and open function calls waiting for their operands. It builds
+// the same trees as the grammar's recursive rules with their left-associativity rotation, at any
+// depth of nesting.
+class ExpressionParserCompile::Builder {
+public:
+    explicit Builder(Tokenizer& tokenizer) : m_tokenizer(tokenizer) {}
+    Builder(const Builder&) = delete;
+    Builder& operator=(const Builder&) = delete;
+    ~Builder() { DiscardAll(); }
+
+    // The root (or null) and the status; location is where the first error was seen.
+    ExpressParseNode* Run(ParseNodeStatus& status, long& location);
+
+private:
+    enum PendingKind : unsigned char {
+        kBinary,
+        kAssign,        // ":=" after a variable
+        kAssignDropped, // ":=" after something else: only the right side is kept
+        kMinusPrefix,
+        kNotPrefix,
+        kParen,
+        kCall
+    };
+    struct Pending {
+        PendingKind kind;
+        BinaryOperator op;
+        long location;
+        FunNode* call; // kCall: the node collecting the arguments
+    };
+
+    Tokenizer::EToken Next() { return m_token = m_tokenizer.GetNextToken(); }
+    void Record(ParseNodeStatus status) {
+        if (m_status == PNS_SUCCESS) {
+            m_status = status;
+            m_location = m_tokenizer.GetInputLineLocation();
+        }
+    }
+    ExpressParseNode* Fail(ParseNodeStatus status) {
+        Record(status);
+        DiscardAll();
+        return nullptr;
+    }
+    void DiscardAll();
+    void PushOperand(ExpressParseNode* node, long location) {
+        node->SetInputBuffLocation(location);
+        m_operands.push_back(node);
+    }
+    ExpressParseNode* PopOperand() {
+        ExpressParseNode* node = m_operands.back();
+        m_operands.pop_back();
+        return node;
+    }
+    const std::string& CopySymbolName();
+    const std::string& CopyStringLiteral();
+    void ApplyPrefixes();
+    // Builds pending binary operators at least as strong as floor; with assignments, also the
+    // assignments, so that everything down to the nearest parenthesis or call is complete.
+    void Reduce(unsigned char floor, bool assignments);
+    bool ExpectOperand(); // false on a syntax error (already recorded)
+    bool AfterOperand(bool& done);
+
+    Tokenizer& m_tokenizer;
+    Tokenizer::EToken m_token = Tokenizer::EndOfInput;
+    ParseNodeStatus m_status = PNS_SUCCESS;
+    long m_location = 0;
+    std::vector<ExpressParseNode*> m_operands;
+    std::vector<Pending> m_pending;
+    std::string m_text;
+    bool m_expectOperand = true;
+};
+
+void ExpressionParserCompile::Builder::DiscardAll() {
+    for (ExpressParseNode* node : m_operands)
+        delete node;
+    m_operands.clear();
+    for (const Pending& pending : m_pending) {
+        if (pending.kind == kCall)
+            delete pending.call;
+    }
+    m_pending.clear();
+}
+
+const std::string& ExpressionParserCompile::Builder::CopySymbolName() {
+    m_text.assign(m_tokenizer.GetSymbolLength() + 10, '\0');
+    m_tokenizer.GetSymbolName(&m_text[0], m_text.size());
+    m_text.resize(m_tokenizer.GetSymbolLength());
+    return m_text;
+}
+
+const std::string& ExpressionParserCompile::Builder::CopyStringLiteral() {
+    m_text.assign(m_tokenizer.GetStringLength() + 10, '\0');
+    m_tokenizer.GetString(&m_text[0], m_text.size());
+    m_text.resize(m_tokenizer.GetStringLength());
+    return m_text;
+}
+
+void ExpressionParserCompile::Builder::ApplyPrefixes() {
+    while (!m_pending.empty() &&
+           (m_pending.back().kind == kMinusPrefix || m_pending.back().kind == kNotPrefix)) {
+        const Pending prefix = m_pending.back();
+        m_pending.pop_back();
+        ExpressParseNode* operand = PopOperand();
+        ExpressParseNode* node = nullptr;
+        if (prefix.kind == kMinusPrefix)
+            node = new UMinusNode(operand);
+        else
+            node = new CompNotNode(operand);
+        PushOperand(node, prefix.location);
+    }
+}
+
+void ExpressionParserCompile::Builder::Reduce(unsigned char floor, bool assignments) {
+    while (!m_pending.empty()) {
+        const Pending top = m_pending.back();
+        if (top.kind == kBinary && top.op.precedence >= floor) {
+            m_pending.pop_back();
+            ExpressParseNode* right = PopOperand();
+            ExpressParseNode* left = PopOperand();
+            ExpressParseNode* node = nullptr;
+            switch (top.op.type) {
+            case PNT_ADD:
+                node = new AddNode(left, right);
+                break;
+            case PNT_SUB:
+                node = new SubNode(left, right);
+                break;
+            case PNT_MULT:
+                node = new MultNode(left, right);
+                break;
+            case PNT_DIVIDE:
+                node = new DivideNode(left, right);
+                break;
+            default:
+                node = new CompNode(top.op.compareType, left, right);
+                break;
+            }
+            PushOperand(node, left->GetInputBuffLocation());
+        } else if (assignments && top.kind == kAssign) {
+            m_pending.pop_back();
+            ExpressParseNode* right = PopOperand();
+            ExpressParseNode* left = PopOperand();
+            PushOperand(new AssignNode(left, right), left->GetInputBuffLocation());
+        } else if (assignments && top.kind == kAssignDropped) {
+            m_pending.pop_back(); // the right side stands alone
+        } else {
+            break;
+        }
+    }
+}
+
+bool ExpressionParserCompile::Builder::ExpectOperand() {
+    const long location = m_tokenizer.GetInputLineLocation();
+    switch (m_token) {
+    case Tokenizer::Minus:
+        if (Next() == Tokenizer::Number) {
+            PushOperand(new NumNode(-m_tokenizer.GetNumber()), location);
+            Next();
+            m_expectOperand = false;
+        } else {
+            m_pending.push_back({kMinusPrefix, {}, location, nullptr});
+        }
+        return true;
+    case Tokenizer::NotOp:
+        m_pending.push_back({kNotPrefix, {}, location, nullptr});
+        Next();
+        return true;
+    case Tokenizer::LeftParen:
+        m_pending.push_back({kParen, {}, location, nullptr});
+        Next();
+        return true;
+    case Tokenizer::Number:
+        PushOperand(new NumNode(m_tokenizer.GetNumber()), location);
+        Next();
+        m_expectOperand = false;
+        return true;
+    case Tokenizer::StringLiteral:
+        PushOperand(new StringNode(CopyStringLiteral().c_str()), location);
+        Next();
+        m_expectOperand = false;
+        return true;
+    case Tokenizer::SymbolName: {
+        const std::string& name = CopySymbolName();
+        if (Next() != Tokenizer::LeftParen) {
+            PushOperand(new VarNode(name.c_str(), name.size()), location);
+            m_expectOperand = false;
+            return true;
+        }
+        auto* call = new FunNode(name.c_str(), name.size());
+        call->SetInputBuffLocation(location);
+        if (Next() == Tokenizer::RightParen) {
+            m_operands.push_back(call);
+            Next();
+            m_expectOperand = false;
+        } else {
+            m_pending.push_back({kCall, {}, location, call});
+        }
+        return true;
+    }
+    case Tokenizer::AliasMark: {
+        if (Next() != Tokenizer::LeftParen) {
+            Fail(PNS_ALIAS_PAREN_MISSING);
+            return false;
+        }
+        if (Next() != Tokenizer::SymbolName) {
+            Fail(PNS_ALIAS_NAME_MISSING);
+            return false;
+        }
+        const std::string& name = CopySymbolName();
+        if (Next() != Tokenizer::RightParen) {
+            Fail(PNS_RIGHT_PAREN_MISSING);
+            return false;
+        }
+        PushOperand(new AliasNode(name.c_str(), name.size()), location);
+        Next();
+        m_expectOperand = false;
+        return true;
+    }
+    default:
+        Fail(PNS_SYNTAX_ERROR);
+        return false;
+    }
+}
+
+bool ExpressionParserCompile::Builder::AfterOperand(bool& done) {
+    ApplyPrefixes();
+    BinaryOperator op{};
+    if (LookUpBinary(m_token, op)) {
+        Reduce(op.precedence, false);
+        m_pending.push_back({kBinary, op, m_tokenizer.GetInputLineLocation(), nullptr});
+        Next();
+        m_expectOperand = true;
+        return true;
+    }
+    if (m_token == Tokenizer::AssignOp) {
+        // The left side of ":=" is the comparison just parsed, not what lies before it.
+        Reduce(kPrecCompare, false);
+        if (m_operands.back()->IsLvalue()) {
+            m_pending.push_back({kAssign, {}, m_tokenizer.GetInputLineLocation(), nullptr});
+        } else {
+            Record(PNS_NOT_LVALUE);
+            delete PopOperand();
+            m_pending.push_back({kAssignDropped, {}, m_tokenizer.GetInputLineLocation(), nullptr});
+        }
+        Next();
+        m_expectOperand = true;
+        return true;
+    }
+
+    Reduce(kPrecAssign, true);
+    if (m_pending.empty()) {
+        if (m_token != Tokenizer::EndOfInput)
+            Record(PNS_SYNTAX_ERROR); // text left over; the expression itself is kept
+        done = true;
+        return true;
+    }
+    Pending& open = m_pending.back();
+    if (open.kind == kParen) {
+        if (m_token != Tokenizer::RightParen) {
+            Fail(PNS_RIGHT_PAREN_MISSING);
+            return false;
+        }
+        m_pending.pop_back();
+        m_operands.back()->SetParenthesized(true);
+        Next();
+        return true; // still after an operand
+    }
+    // An open call: the operand is its next argument.
+    FunNode* call = open.call;
+    call->AppendLeafNode(PopOperand());
+    if (m_token == Tokenizer::Comma) {
+        Next();
+        m_expectOperand = true;
+        return true;
+    }
+    if (m_token == Tokenizer::RightParen) {
+        m_pending.pop_back();
+        m_operands.push_back(call);
+        Next();
+        return true;
+    }
+    Fail(PNS_RIGHT_PAREN_MISSING); // the arguments collected so far go with the call
+    return false;
+}
+
+ExpressParseNode* ExpressionParserCompile::Builder::Run(ParseNodeStatus& status, long& location) {
+    m_token = m_tokenizer.GetCurrentToken();
+    bool done = false;
+    bool ok = true;
+    while (ok && !done)
+        ok = m_expectOperand ? ExpectOperand() : AfterOperand(done);
+    status = m_status;
+    location = m_location;
+    if (!ok || m_operands.size() != 1)
+        return nullptr;
+    return PopOperand();
+}
+
+ExpressionParserCompile::ExpressionParserCompile(Tokenizer* tokenizer)
+    : m_pTokenizer(tokenizer != nullptr ? tokenizer : &m_ownTokenizer) {}
+
+ExpressionParserCompile::~ExpressionParserCompile() = default;
+
+ParseNodeStatus ExpressionParserCompile::Parse(const char* text) {
+    m_status = PNS_SUCCESS;
+    m_parseBuffLocation = 0;
+    m_pTokenizer->SetBuffer(text);
+    delete SetExpressionNode(nullptr);
+
+    ParseNodeStatus status = PNS_SUCCESS;
+    long location = 0;
+    ExpressParseNode* root = nullptr;
+    {
+        Builder builder(*m_pTokenizer);
+        root = builder.Run(status, location);
+    }
+    SetExpressionNode(root);
+    if (status != PNS_SUCCESS)
+        SetParseBuffLocation(location);
+    m_status = status;
+    return status;
+}
+
+} // namespace Util

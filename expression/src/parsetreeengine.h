@@ -1,0 +1,105 @@
+// The tree walks behind the parse nodes' virtual functions. Each walk keeps its own explicit
+// stacks (inline for small trees, on the heap beyond), so the depth of a tree never reaches the
+// C++ call stack. Nodes of classes derived outside the library are handed to their own virtual
+// functions, which recurse only as deep as their own subtrees.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <type_traits>
+#include <vector>
+
+#include "Util/ParseNode.h"
+
+namespace Util {
+
+// A stack of trivially copyable items: N inline, then a heap block that doubles.
+template <typename T, std::size_t N> class SmallStack {
+    static_assert(std::is_trivially_copyable<T>::value, "SmallStack holds plain items");
+
+public:
+    SmallStack() = default;
+    SmallStack(const SmallStack&) = delete;
+    SmallStack& operator=(const SmallStack&) = delete;
+    ~SmallStack() {
+        if (m_pItems != m_inline)
+            std::free(m_pItems);
+    }
+
+    bool empty() const { return m_size == 0; }
+    std::size_t size() const { return m_size; }
+    T& back() { return m_pItems[m_size - 1]; }
+    T& operator[](std::size_t index) { return m_pItems[index]; }
+    void pop_back() { --m_size; }
+    void resize_down(std::size_t size) { m_size = size; }
+    void push_back(const T& item) {
+        if (m_size == m_capacity)
+            Grow();
+        m_pItems[m_size++] = item;
+    }
+
+private:
+    void Grow() {
+        const std::size_t capacity = m_capacity * 2;
+        T* items = static_cast<T*>(std::malloc(capacity * sizeof(T)));
+        if (items == nullptr)
+            throw std::bad_alloc();
+        std::memcpy(static_cast<void*>(items), m_pItems, m_size * sizeof(T));
+        if (m_pItems != m_inline)
+            std::free(m_pItems);
+        m_pItems = items;
+        m_capacity = capacity;
+    }
+
+    T m_inline[N];
+    T* m_pItems = m_inline;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = N;
+};
+
+class ParseTreeEngine {
+public:
+    // What the walks know a node to be. kForeign: a class the library does not know, reached
+    // through its virtual functions.
+    enum Kind : std::uint8_t {
+        kForeign,
+        kAdd,
+        kSub,
+        kMult,
+        kDivide,
+        kCompare,
+        kAnd,
+        kOr,
+        kAssign,
+        kUMinus,
+        kNot,
+        kFun,
+        kNum,
+        kString,
+        kVar,
+        kAlias
+    };
+
+    // The kind of a node met inside a tree: exactly one of the library's classes, else foreign.
+    static Kind ClassifyExact(const ExpressParseNode* node);
+    // The kind of the node a walk starts from: any object of (a class derived from) a library
+    // class counts as that class.
+    static Kind ClassifyRoot(const ExpressParseNode* node);
+
+    static NodeVariantData& Evaluate(ExpressParseNode* root, Kind kind,
+                                     const SymbolLookupValues& symbols);
+    static ExpressParseNode* Copy(const ExpressParseNode* root, Kind kind);
+    static ParseNodeStatus ListVariables(ExpressParseNode* root, std::vector<TString>& names,
+                                         VariableListTypes types,
+                                         const SymbolLookupValues& symbols);
+    // Prints root (with label, when given, instead of its own) and everything below it.
+    static void Print(ExpressParseNode* root, PrintTheNode& printer,
+                      const SymbolLookupValues& symbols, const char* label);
+
+    // Deletes the given subtrees without recursing through the destructors.
+    static void DeleteSubtrees(ExpressParseNode* const* nodes, std::size_t count);
+};
+
+} // namespace Util

@@ -1,0 +1,197 @@
+#include <thread>
+
+#include "OperationsManager/src/opsinifile.h"
+#include "tests/OperationsManager/ops_test_support.h"
+
+using Util::AttributeSet;
+using Util::GetOps;
+using Util::Ops;
+using Util::OpsEventMask;
+using Util::OpsFilter;
+using Util::OpsFilterGroup;
+using namespace OpsTest;
+
+namespace {
+
+std::unique_ptr<OpsFilter> Make(const char* keyword, std::initializer_list<const char*> pairs) {
+    AttributeSet attributes;
+    for (auto it = pairs.begin(); it != pairs.end(); it += 2)
+        attributes.SetAttribute(*it, *(it + 1));
+    Util::TString error;
+    auto filter = GetOps().GetSubscriptionManager().CreateFilter(keyword, attributes, error);
+    EXPECT_TRUE(filter) << keyword << ": " << error.c_str();
+    return filter;
+}
+
+bool Matches(const OpsFilter& filter, Ops::EventType type, Ops::Level level,
+             const char* text = "text", const char* file = "mod/src/file.cpp",
+             const char* function = "Function", const char* signature = "void Function(int)") {
+    const Util::MessageContext context(file, 1, function, signature, text);
+    return filter.Matches(Util::OpsEvent{type, level, context, text});
+}
+
+} // namespace
+
+TEST(OpsFilters, LeafFiltersMatchWhatTheirAttributesSay) {
+    const struct {
+        const char* keyword;
+        const char* name;
+        const char* value;
+        Ops::EventType type;
+        Ops::Level level;
+        const char* text;
+        bool matches;
+    } cases[] = {
+        {"EVENT_TYPE_FILTER", "type", "CHECKPOINT", Ops::kCheckpoint, Ops::kLvlNA, "x", true},
+        {"EVENT_TYPE_FILTER", "type", "CHECKPOINT", Ops::kDump, Ops::kLvlFatalError, "x", false},
+        {"LEVEL_FILTER", "level", "LVL_WARNING", Ops::kMessage, Ops::kLvlWarning, "x", true},
+        {"LEVEL_FILTER", "level", "LVL_WARNING", Ops::kDump, Ops::kLvlFatalError, "x", true},
+        {"LEVEL_FILTER", "level", "LVL_WARNING", Ops::kMessage, Ops::kLvlInfoSummary, "x", false},
+        {"LEVEL_FILTER", "level", "LVL_NA", Ops::kFuncEnter, Ops::kLvlNA, "x", true},
+        {"FILE_NAME_FILTER", "regexp", "^mod/", Ops::kMessage, Ops::kLvlNA, "x", true},
+        {"FILE_NAME_FILTER", "regexp", "^src/", Ops::kMessage, Ops::kLvlNA, "x", false},
+        {"FUNC_NAME_FILTER", "regexp", "^Func", Ops::kMessage, Ops::kLvlNA, "x", true},
+        {"FUNC_NAME_FILTER", "regexp", "^func", Ops::kMessage, Ops::kLvlNA, "x", false},
+        {"FUNC_SIG_FILTER", "regexp", "\\(int\\)$", Ops::kMessage, Ops::kLvlNA, "x", true},
+        {"MESSAGE_FILTER", "regexp", "bal[a-z]+ce", Ops::kMessage, Ops::kLvlNA, "a balance", true},
+        {"MESSAGE_FILTER", "regexp", "bal[a-z]+ce", Ops::kMessage, Ops::kLvlNA, "a ball", false},
+        {"NUM_LOCK_FILTER", nullptr, nullptr, Ops::kMessage, Ops::kLvlFatalError, "x", false},
+        {"EXCLUDE", nullptr, nullptr, Ops::kMessage, Ops::kLvlFatalError, "x", false},
+        {"ALL_OF", nullptr, nullptr, Ops::kMessage, Ops::kLvlNA, "x", true},
+        {"ANY_OF", nullptr, nullptr, Ops::kMessage, Ops::kLvlNA, "x", false},
+    };
+    for (const auto& c : cases) {
+        auto filter = c.name ? Make(c.keyword, {c.name, c.value}) : Make(c.keyword, {});
+        ASSERT_TRUE(filter);
+        EXPECT_EQ(Matches(*filter, c.type, c.level, c.text), c.matches)
+            << filter->Describe().c_str() << " on " << c.text;
+    }
+}
+
+TEST(OpsFilters, BadAttributesAreRefusedWithAReason) {
+    const struct {
+        const char* keyword;
+        const char* name;
+        const char* value;
+        const char* reason;
+    } cases[] = {
+        {"EVENT_TYPE_FILTER", "level", "LVL_NA", "needs the attribute \"type\""},
+        {"EVENT_TYPE_FILTER", "type", "func_enter", "unknown event type \"func_enter\""},
+        {"LEVEL_FILTER", "level", "WARNING", "unknown level \"WARNING\""},
+        {"MESSAGE_FILTER", "regexp", "([a-z", "bad regular expression"},
+        {"FILE_NAME_FILTER", "pattern", "x", "needs the attribute \"regexp\""},
+        {"INI_VALUE_FILTER", "file_name", "a.ini", "needs the attributes"},
+        {"NO_SUCH_FILTER", "x", "y", "Unknown filter \"NO_SUCH_FILTER\""},
+    };
+    for (const auto& c : cases) {
+        AttributeSet attributes;
+        attributes.SetAttribute(c.name, c.value);
+        Util::TString error;
+        EXPECT_FALSE(GetOps().GetSubscriptionManager().CreateFilter(c.keyword, attributes, error));
+        EXPECT_NE(std::string(error.c_str()).find(c.reason), std::string::npos)
+            << c.keyword << ": " << error.c_str();
+    }
+}
+
+TEST(OpsFilters, GroupsComposeAndTheirMasksStayConservative) {
+    // All of: level >= error, and not (file under tests/ or a DUMP).
+    OpsFilterGroup all(OpsFilterGroup::kAllOf);
+    all.Add(Make("LEVEL_FILTER", {"level", "LVL_ERROR"}));
+    auto exclude = std::unique_ptr<OpsFilterGroup>(new OpsFilterGroup(OpsFilterGroup::kExclude));
+    exclude->Add(Make("FILE_NAME_FILTER", {"regexp", "^tests/"}));
+    exclude->Add(Make("EVENT_TYPE_FILTER", {"type", "DUMP"}));
+    all.Add(std::move(exclude));
+
+    EXPECT_TRUE(Matches(all, Ops::kMessage, Ops::kLvlError));
+    EXPECT_FALSE(Matches(all, Ops::kMessage, Ops::kLvlWarning));
+    EXPECT_FALSE(Matches(all, Ops::kDump, Ops::kLvlError));
+    EXPECT_FALSE(Matches(all, Ops::kMessage, Ops::kLvlError, "x", "tests/a.cpp"));
+    EXPECT_STREQ(all.Describe().c_str(),
+                 "ALL_OF(LEVEL_FILTER(level=LVL_ERROR), EXCLUDE(FILE_NAME_FILTER(regexp=^tests/), "
+                 "EVENT_TYPE_FILTER(type=DUMP)))");
+
+    bool exact = true;
+    const OpsEventMask mask = all.GetEventMask(exact);
+    EXPECT_FALSE(exact);
+    // The regular expression cannot be negated in advance, so DUMP at LVL_ERROR stays possible;
+    // what the level filter rules out stays ruled out.
+    EXPECT_TRUE(mask.Test(Ops::kDump, Ops::kLvlError));
+    EXPECT_FALSE(mask.Test(Ops::kMessage, Ops::kLvlWarning));
+
+    OpsFilterGroup exactExclude(OpsFilterGroup::kExclude);
+    exactExclude.Add(Make("EVENT_TYPE_FILTER", {"type", "DUMP"}));
+    const OpsEventMask negated = exactExclude.GetEventMask(exact);
+    EXPECT_TRUE(exact);
+    EXPECT_FALSE(negated.Test(Ops::kDump, Ops::kLvlError));
+    EXPECT_TRUE(negated.Test(Ops::kMessage, Ops::kLvlNA));
+
+    OpsFilterGroup any(OpsFilterGroup::kAnyOf);
+    any.Add(Make("EVENT_TYPE_FILTER", {"type", "ASSERT"}));
+    any.Add(Make("LEVEL_FILTER", {"level", "LVL_FATAL_ERROR"}));
+    const OpsEventMask either = any.GetEventMask(exact);
+    EXPECT_TRUE(exact);
+    EXPECT_EQ(either.Types(), 0x3fffu); // every type at the fatal level
+    EXPECT_EQ(either.Levels(), 0x7fu);  // ASSERT at every level
+    EXPECT_FALSE(either.Test(Ops::kMessage, Ops::kLvlError));
+}
+
+TEST(OpsFilters, IniValueFilterFollowsTheFile) {
+    TempDir dir;
+    dir.Write("switch.ini", "; logging switch\n[Logging]\n  Trace = on \n[Other]\nTrace=off\n");
+    auto filter = Make("INI_VALUE_FILTER", {"file_name", dir.File("switch.ini").c_str(), "group",
+                                            "logging\\TRACE", "expected_value", "on"});
+    ASSERT_TRUE(filter);
+    EXPECT_TRUE(Matches(*filter, Ops::kMessage, Ops::kLvlNA));
+    dir.Write("switch.ini", "[Logging]\nTrace=off, for now\n");
+    // Read again at most twice a second.
+    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+    EXPECT_FALSE(Matches(*filter, Ops::kMessage, Ops::kLvlNA));
+
+    auto missing = Make("INI_VALUE_FILTER", {"file_name", dir.File("none.ini").c_str(), "group",
+                                             "Logging/Trace", "expected_value", "on"});
+    EXPECT_FALSE(Matches(*missing, Ops::kMessage, Ops::kLvlNA));
+    AttributeSet noKey;
+    noKey.SetAttribute("file_name", "a.ini");
+    noKey.SetAttribute("group", "Logging");
+    noKey.SetAttribute("expected_value", "1");
+    Util::TString error;
+    EXPECT_FALSE(GetOps().GetSubscriptionManager().CreateFilter("INI_VALUE_FILTER", noKey, error));
+}
+
+TEST(OpsIniReader, FirstValueWinsAndNamesIgnoreCase) {
+    const auto values = Util::OpsDetail::IniFileReader::Parse(
+        "top=1\n[A]\nk = v1\nK=v2\n# note\n[ b ]\n x=  y z \nbroken line\n");
+    EXPECT_EQ(values.at("\ntop"), "1");
+    EXPECT_EQ(values.at("a\nk"), "v1");
+    EXPECT_EQ(values.at("b\nx"), "y z");
+    EXPECT_EQ(values.size(), 3u);
+}
+
+TEST_F(OpsRunning, CustomFiltersAndHandlersCanBeRegistered) {
+    struct OddLineFilter : OpsFilter {
+        bool Matches(const Util::OpsEvent& e) const override { return e.context.GetLine() % 2; }
+        Util::TString Describe() const override { return Util::TString("ODD_LINE"); }
+    };
+    auto capture = std::make_shared<CaptureHandler>();
+    GetOps().GetSubscriptionManager().RegisterFilter(
+        "ODD_LINE", [](const AttributeSet&, Util::TString&) {
+            return std::unique_ptr<OpsFilter>(new OddLineFilter());
+        });
+    GetOps().GetMessageHandlerManager().RegisterHandler(
+        "CAPTURE", [capture](const AttributeSet&, Util::TString&) {
+            return std::shared_ptr<Util::OpsMessageHandler>(capture);
+        });
+    ASSERT_TRUE(GetOps()
+                    .GetSubscriptionManager()
+                    .AddSubscription("Odd", "CAPTURE", "ODD_LINE", AttributeSet())
+                    .Succeeded());
+    for (long line = 1; line <= 4; ++line)
+        GetOps().ReportEventA(Ops::kDump, Ops::kLvlNA, Util::SourceContext("f", line, "F", "F"),
+                              "d");
+    EXPECT_EQ(capture->Count(), 2u);
+    EXPECT_TRUE(GetOps()
+                    .GetSubscriptionManager()
+                    .AddSubscription("Bad", "NO_HANDLER", "ODD_LINE", AttributeSet())
+                    .Failed());
+    EXPECT_EQ(GetOps().GetSubscriptionManager().RemoveSubscription("Odd"), 1u);
+}

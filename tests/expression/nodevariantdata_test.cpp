@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <string>
+
+#include "Util/ParseNodeValue.h"
+#include "Util/Variant.h"
+
+using Util::NodeVariantData;
+
+namespace {
+
+// The value kinds of the coercion table, by actual stored type.
+NodeVariantData None() {
+    return NodeVariantData();
+}
+NodeVariantData Long(long v) {
+    return NodeVariantData(v);
+}
+NodeVariantData Dbl(double v) {
+    return NodeVariantData(v);
+}
+NodeVariantData Text(const char* v) {
+    return NodeVariantData(v);
+}
+
+struct Expect {
+    Util::NodeVariantDataType type;
+    const char* text; // the value as text
+    Util::ParseNodeStatus status;
+};
+
+void Check(const NodeVariantData& value, const Expect& expect, const std::string& what) {
+    EXPECT_EQ(value.GetDataType(), expect.type) << what;
+    EXPECT_STREQ(static_cast<const char*>(value), expect.text) << what;
+    EXPECT_EQ(value.GetErrorStatus(), expect.status) << what;
+}
+
+TEST(NodeVariantDataActualType, FollowsWhatTheTextHolds) {
+    struct Case {
+        const char* text;
+        Util::NodeVariantDataType actual;
+        bool valid, validInt;
+    } cases[] = {{"12", Util::NVDT_LONG, true, true},      {" 1.5", Util::NVDT_DOUBLE, true, false},
+                 {"1,5", Util::NVDT_STRING, false, false}, {"", Util::NVDT_STRING, false, false},
+                 {"-3", Util::NVDT_LONG, true, true},      {"+.25", Util::NVDT_DOUBLE, true, false},
+                 {"1e3", Util::NVDT_STRING, true, true},   {"1 ", Util::NVDT_STRING, false, false},
+                 {"-", Util::NVDT_STRING, false, false},   {"ab", Util::NVDT_STRING, false, false}};
+    for (const Case& c : cases) {
+        const NodeVariantData value(c.text);
+        EXPECT_EQ(value.GetDataType(), Util::NVDT_STRING) << c.text;
+        EXPECT_EQ(value.GetActualStoredDataType(), c.actual) << c.text;
+        EXPECT_EQ(value.IsValidNumber(), c.valid) << c.text;
+        EXPECT_EQ(value.IsValidIntNumber(), c.validInt) << c.text;
+    }
+    EXPECT_EQ(Long(3).GetActualStoredDataType(), Util::NVDT_LONG);
+    EXPECT_EQ(Dbl(3).GetActualStoredDataType(), Util::NVDT_DOUBLE);
+    EXPECT_TRUE(Dbl(3).IsValidIntNumber());
+    EXPECT_FALSE(Dbl(3.5).IsValidIntNumber());
+    EXPECT_FALSE(None().IsValidNumber());
+}
+
+TEST(NodeVariantDataCoercion, PlusFollowsTheTableCellByCell) {
+    const NodeVariantData operands[] = {None(), Long(7), Dbl(2.5), Text("ab")};
+    const char* names[] = {"none", "long", "double", "text"};
+    const Expect expected[4][4] = {{{Util::NVDT_LONG, "0", Util::PNS_SUCCESS},
+                                    {Util::NVDT_LONG, "7", Util::PNS_SUCCESS},
+                                    {Util::NVDT_DOUBLE, "2.5", Util::PNS_SUCCESS},
+                                    {Util::NVDT_STRING, "ab", Util::PNS_SUCCESS}},
+                                   {{Util::NVDT_LONG, "7", Util::PNS_SUCCESS},
+                                    {Util::NVDT_LONG, "14", Util::PNS_SUCCESS},
+                                    {Util::NVDT_DOUBLE, "9.5", Util::PNS_SUCCESS},
+                                    {Util::NVDT_STRING, "7ab", Util::PNS_SUCCESS}},
+                                   {{Util::NVDT_DOUBLE, "2.5", Util::PNS_SUCCESS},
+                                    {Util::NVDT_DOUBLE, "9.5", Util::PNS_SUCCESS},
+                                    {Util::NVDT_DOUBLE, "5", Util::PNS_SUCCESS},
+                                    {Util::NVDT_STRING, "2.5ab", Util::PNS_SUCCESS}},
+                                   {{Util::NVDT_STRING, "ab", Util::PNS_SUCCESS},
+                                    {Util::NVDT_STRING, "ab7", Util::PNS_SUCCESS},
+                                    {Util::NVDT_STRING, "ab2.5", Util::PNS_SUCCESS},
+                                    {Util::NVDT_STRING, "abab", Util::PNS_SUCCESS}}};
+    for (int l = 0; l < 4; ++l) {
+        for (int r = 0; r < 4; ++r)
+            Check(operands[l] + operands[r], expected[l][r],
+                  std::string(names[l]) + " + " + names[r]);
+    }
+}
+
+TEST(NodeVariantDataCoercion, NumericTextCountsAsItsNumber) {
+    Check(Text("12") + Long(3), {Util::NVDT_LONG, "15", Util::PNS_SUCCESS}, "\"12\" + 3");
+    Check(Text(" 1.5") + Long(1), {Util::NVDT_DOUBLE, "2.5", Util::PNS_SUCCESS}, "\" 1.5\" + 1");
+    Check(Text("1") + Text("2"), {Util::NVDT_LONG, "3", Util::PNS_SUCCESS}, "\"1\" + \"2\"");
+    Check(Text("1,5") + Long(1), {Util::NVDT_STRING, "1,51", Util::PNS_SUCCESS}, "\"1,5\" + 1");
+    Check(Text("ab") + Long(3), {Util::NVDT_STRING, "ab3", Util::PNS_SUCCESS}, "\"ab\" + 3");
+}
+
+TEST(NodeVariantDataText, OtherOperatorsDescribeTheOperation) {
+    struct Case {
+        NodeVariantData value;
+        const char* text;
+    } cases[] = {
+        {Text("ab") - Long(3), "ab SUBTRACT 3"}, {Text("ab") * Dbl(0.5), "ab MULTIPLY 0.5"},
+        {Long(2) / Text("x"), "2 DIVIDE x"},     {Text("ab") & Long(1), "ab AND 1"},
+        {Text("ab") || Text("cd"), "ab OR cd"},  {-Text("ab"), " UNARYMINUS ab"},
+    };
+    for (const Case& c : cases)
+        Check(c.value, {Util::NVDT_STRING, c.text, Util::PNS_TEXT_OPERATION}, c.text);
+}
+
+TEST(NodeVariantDataArithmetic, DivisionByZeroGivesTheIntendedLimits) {
+    Check(Long(7) / Long(0), {Util::NVDT_LONG, "2147483647", Util::PNS_SUCCESS}, "7 / 0");
+    const NodeVariantData d = Dbl(1.0) / Long(0);
+    EXPECT_EQ(d.GetDataType(), Util::NVDT_DOUBLE);
+    EXPECT_EQ(static_cast<double>(d), DBL_MAX);
+    EXPECT_EQ(static_cast<double>(Dbl(-1.0) / Dbl(0.0)), DBL_MAX);
+    Check(Long(-7) / Long(2), {Util::NVDT_LONG, "-3", Util::PNS_SUCCESS}, "-7 / 2 truncates");
+}
+
+TEST(NodeVariantDataArithmetic, LongsWrapInThirtyTwoBits) {
+    Check(Long(2147483647) + Long(1), {Util::NVDT_LONG, "-2147483648", Util::PNS_SUCCESS},
+          "max + 1");
+    Check(Long(-2147483647 - 1) / Long(-1), {Util::NVDT_LONG, "-2147483648", Util::PNS_SUCCESS},
+          "min / -1");
+    Check(-Long(-2147483647 - 1), {Util::NVDT_LONG, "-2147483648", Util::PNS_SUCCESS}, "-min");
+    Check(Long(65536) * Long(65536), {Util::NVDT_LONG, "0", Util::PNS_SUCCESS}, "2^16 * 2^16");
+    EXPECT_EQ(static_cast<long>(NodeVariantData(4294967296L + 5)), 5);
+}
+
+TEST(NodeVariantDataConversion, ToLongTruncatesAndSaturates) {
+    EXPECT_EQ(static_cast<int>(Dbl(2.9)), 2);
+    EXPECT_EQ(static_cast<int>(Dbl(-2.9)), -2);
+    EXPECT_EQ(static_cast<int>(Text("3.7abc")), 3);
+    EXPECT_EQ(static_cast<int>(Dbl(1e300)), 2147483647);
+    EXPECT_EQ(static_cast<int>(Dbl(-1e300)), -2147483647 - 1);
+    EXPECT_EQ(static_cast<int>(Text("nan")), 0);
+    EXPECT_STREQ(static_cast<const char*>(None()), "");
+    EXPECT_STREQ(static_cast<const char*>(Dbl(0.1)), "0.1");
+}
+
+TEST(NodeVariantDataCompare, UsesToleranceForDoublesAndStrcmpForText) {
+    struct Case {
+        NodeVariantData value;
+        long expected;
+        const char* what;
+    } cases[] = {
+        {(Dbl(0.1) + Dbl(0.2)) == Dbl(0.3), 1, "0.1 + 0.2 = 0.3"},
+        {Dbl(1.00005) == Dbl(1), 1, "within tolerance"},
+        {Dbl(1.0002) > Dbl(1), 1, "beyond tolerance"},
+        {Dbl(1.00005) > Dbl(1), 0, "not greater within tolerance"},
+        {Long(2) < Long(3), 1, "2 < 3"},
+        {Long(-2147483647 - 1) < Long(1), 1, "min < 1 without overflow"},
+        {Long(3) <= Long(3), 1, "3 <= 3"},
+        {Long(3) >= Long(4), 0, "3 >= 4"},
+        {Long(3) != Long(4), 1, "3 != 4"},
+        {Text("abc") < Text("abd"), 1, "strcmp"},
+        {Text("b") > Long(5), 1, "text against number compares text"},
+        {Text("10") > Long(9), 1, "numeric text compares as number"},
+        {Long(2) & Dbl(0.5), 0, "0.5 converts to long 0"},
+        {Long(2) || None(), 1, "2 || none"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.value.GetDataType(), Util::NVDT_LONG) << c.what;
+        EXPECT_EQ(static_cast<long>(c.value), c.expected) << c.what;
+    }
+}
+
+TEST(NodeVariantDataErrors, LeftErrorWinsThenRight) {
+    NodeVariantData left;
+    left.SetText("Undefined Symbol ", "x", " ", Util::PNS_UNDEFINED_SYMBOL);
+    NodeVariantData right;
+    right.SetText("Undefined Alias ", "y", " ", Util::PNS_UNDEFINED_ALIAS);
+    Check(left + right, {Util::NVDT_STRING, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL},
+          "both");
+    Check(Long(1) * right, {Util::NVDT_STRING, "Undefined Alias y ", Util::PNS_UNDEFINED_ALIAS},
+          "right");
+    Check(left < Long(1), {Util::NVDT_STRING, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL},
+          "comparison");
+    Check(-left, {Util::NVDT_STRING, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL}, "unary");
+}
+
+TEST(NodeVariantDataStorage, LongTextMovesToTheHeapAndBack) {
+    NodeVariantData value(std::string(98, 'a').c_str());
+    EXPECT_EQ(value.GetStringCapacity(), NodeVariantData::kInlineSize);
+    value = std::string(99, 'b').c_str(); // length + 1 = 100 no longer fits
+    EXPECT_GE(value.GetStringCapacity(), 100u);
+    EXPECT_EQ(std::string(static_cast<const char*>(value)), std::string(99, 'b'));
+    const NodeVariantData copy(value);
+    EXPECT_EQ(std::string(static_cast<const char*>(copy)), std::string(99, 'b'));
+    value = 5;
+    EXPECT_STREQ(static_cast<const char*>(value), "5");
+    const std::string big(100000, 'z');
+    NodeVariantData joined = Text(big.c_str()) + Text(big.c_str());
+    EXPECT_EQ(std::string(static_cast<const char*>(joined)).size(), 200000u);
+    joined = static_cast<const char*>(joined) + 5; // a tail of itself
+    EXPECT_EQ(std::string(static_cast<const char*>(joined)).size(), 199995u);
+}
+
+TEST(NodeVariantDataVariant, ConvertsBothWays) {
+    NodeVariantData value;
+    value = Util::Variant(static_cast<short>(-4));
+    EXPECT_EQ(value.GetDataType(), Util::NVDT_LONG);
+    EXPECT_EQ(static_cast<long>(value), -4);
+    value = Util::Variant(5000000000LL);
+    EXPECT_EQ(value.GetDataType(), Util::NVDT_DOUBLE);
+    EXPECT_EQ(static_cast<double>(value), 5e9);
+    value = Util::Variant(true);
+    EXPECT_EQ(static_cast<long>(value), 1);
+    value = Util::Variant(L"wide");
+    EXPECT_STREQ(static_cast<const char*>(value), "wide");
+    value = Util::Variant();
+    EXPECT_EQ(value.GetDataType(), Util::NVDT_NONE);
+
+    EXPECT_EQ(static_cast<Util::Variant>(Long(3)).GetType(), Util::UTIL_VT_LONG);
+    EXPECT_EQ(static_cast<Util::Variant>(Dbl(3)).GetType(), Util::UTIL_VT_DOUBLE);
+    EXPECT_EQ(static_cast<Util::Variant>(Text("t")).GetType(), Util::UTIL_VT_STRING);
+    EXPECT_TRUE(static_cast<Util::Variant>(None()).IsEmpty());
+}
+
+} // namespace
