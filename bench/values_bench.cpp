@@ -78,34 +78,48 @@ void BM_Peer_Base64Decode1MiB(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kMiB));
 }
 
-// Strings of 8 to 64 bytes with their terminator, drawn in a fixed order.
-std::vector<std::string> ChurnStrings() {
-    std::mt19937 rng(2);
-    std::vector<std::string> strings(4096);
-    for (auto& s : strings) {
-        s.assign(7 + rng() % 57, 'x');
-        for (auto& c : s) {
-            c = static_cast<char>('a' + rng() % 26);
+// 4096 strings of 8 to 64 bytes with their terminator, side by side in one buffer, drawn in a
+// fixed order (a power of two, so that picking the next one costs no division).
+class ChurnStrings {
+public:
+    static const size_t kCount = 4096;
+    ChurnStrings() {
+        std::mt19937 rng(2);
+        std::vector<size_t> offsets;
+        for (size_t i = 0; i < kCount; ++i) {
+            offsets.push_back(m_text.size());
+            size_t n = 7 + rng() % 57;
+            for (size_t k = 0; k < n; ++k) {
+                m_text.push_back(static_cast<char>('a' + rng() % 26));
+            }
+            m_text.push_back('\0');
+        }
+        for (size_t offset : offsets) {
+            m_strings.push_back(m_text.data() + offset);
         }
     }
-    return strings;
-}
+    const char* operator[](size_t i) const { return m_strings[i & (kCount - 1)]; }
+
+private:
+    std::string m_text;
+    std::vector<const char*> m_strings;
+};
 
 const size_t kLive = 1024;
 
 // Steady churn: 1024 strings stay alive; each step removes one and adds a new one in its place.
 void BM_Ours_AddRemove8to64(benchmark::State& state) {
-    auto strings = ChurnStrings();
+    ChurnStrings strings;
     Util::BlockStringCache cache;
     std::vector<const char*> live(kLive);
     for (size_t i = 0; i < kLive; ++i) {
-        live[i] = cache.AddString(strings[i].c_str());
+        live[i] = cache.AddString(strings[i]);
     }
     size_t next = kLive;
     for (auto _ : state) {
-        size_t slot = next % kLive;
+        size_t slot = next & (kLive - 1);
         cache.RemoveString(live[slot]);
-        live[slot] = cache.AddString(strings[next % strings.size()].c_str());
+        live[slot] = cache.AddString(strings[next]);
         benchmark::DoNotOptimize(live[slot]);
         ++next;
     }
@@ -113,16 +127,16 @@ void BM_Ours_AddRemove8to64(benchmark::State& state) {
 }
 
 void BM_Peer_AddRemove8to64(benchmark::State& state) {
-    auto strings = ChurnStrings();
+    ChurnStrings strings;
     std::vector<char*> live(kLive);
     for (size_t i = 0; i < kLive; ++i) {
-        live[i] = strdup(strings[i].c_str());
+        live[i] = strdup(strings[i]);
     }
     size_t next = kLive;
     for (auto _ : state) {
-        size_t slot = next % kLive;
+        size_t slot = next & (kLive - 1);
         std::free(live[slot]);
-        live[slot] = strdup(strings[next % strings.size()].c_str());
+        live[slot] = strdup(strings[next]);
         benchmark::DoNotOptimize(live[slot]);
         ++next;
     }
@@ -134,11 +148,11 @@ void BM_Peer_AddRemove8to64(benchmark::State& state) {
 
 // The same pair with nothing else alive: the freed chunk comes straight back.
 void BM_Ours_AddRemovePair8to64(benchmark::State& state) {
-    auto strings = ChurnStrings();
+    ChurnStrings strings;
     Util::BlockStringCache cache;
     size_t next = 0;
     for (auto _ : state) {
-        const char* s = cache.AddString(strings[next++ % strings.size()].c_str());
+        const char* s = cache.AddString(strings[next++]);
         benchmark::DoNotOptimize(s);
         cache.RemoveString(s);
     }
@@ -146,10 +160,10 @@ void BM_Ours_AddRemovePair8to64(benchmark::State& state) {
 }
 
 void BM_Peer_AddRemovePair8to64(benchmark::State& state) {
-    auto strings = ChurnStrings();
+    ChurnStrings strings;
     size_t next = 0;
     for (auto _ : state) {
-        char* s = strdup(strings[next++ % strings.size()].c_str());
+        char* s = strdup(strings[next++]);
         benchmark::DoNotOptimize(s);
         std::free(s);
     }

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace Util {
 
@@ -110,7 +111,7 @@ bool BlockStringCache::AddBufferToFreeList(char* start, std::size_t size) {
     return m_pFreeList->Insert(start, size);
 }
 
-char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
+inline char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
     std::size_t needed = byteLength + kHeaderSize;
     std::size_t size = 0;
     char* chunk = m_pFreeList->TakeBestFitAndSplit(needed, kSplitSlack, size);
@@ -126,8 +127,13 @@ char* BlockStringCache::GetBytesFromCache(std::size_t byteLength) {
     if (pBytes != nullptr) {
         return pBytes;
     }
+    return GetBytesFromNewBlock(byteLength);
+}
+
+char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
     // A block that is still whole serves as well as a new one, so a request that fits no block
     // allocates at most one block, however often it is repeated.
+    char* pBytes = nullptr;
     if (!m_pFreeList->HasChunkOfAtLeast(m_blockSize) && AllocateNewBlock().Succeeded()) {
         pBytes = GetFromFreeList(byteLength);
     }
@@ -227,9 +233,24 @@ const char* BlockStringCache::ReplaceString(const char* oldStr, const char* newS
         std::memmove(const_cast<char*>(oldStr), newStr, newByteLength);
         return oldStr;
     }
-    // The new text may lie inside the old chunk: nothing below writes into a freed chunk's
-    // string area before the copy (only the header of a chunk being handed out), and the copy
-    // tolerates overlap.
+    // The new text may lie inside the old chunk, which the free list may write into (its
+    // links) once the chunk is returned: copy such a text aside first.
+    std::string aside;
+    const char* source = newStr;
+    auto chunk = reinterpret_cast<std::uintptr_t>(oldStr) - kHeaderSize;
+    auto from = reinterpret_cast<std::uintptr_t>(newStr);
+    if (from >= chunk && from - chunk < ReadHeader(oldStr - kHeaderSize)) {
+        try {
+            aside.assign(newStr, newByteLength - 1);
+        } catch (const std::exception&) {
+            VALUES_LOCAL_OPS("Util::BlockStringCache::ReplaceString",
+                             "const char* Util::BlockStringCache::ReplaceString(const char*, "
+                             "const char*)");
+            VALUES_REPORT(Status::GetAllocFailed());
+            return nullptr;
+        }
+        source = aside.c_str();
+    }
     ReturnToFreeList(oldStr, origByteLength);
     char* pResultStr = GetBytesFromCache(newByteLength);
     if (!VALUES_VERIFY(pResultStr != NULL)) {
@@ -239,7 +260,7 @@ const char* BlockStringCache::ReplaceString(const char* oldStr, const char* newS
         VALUES_REPORT(Status::GetAllocFailed());
         return nullptr;
     }
-    std::memmove(pResultStr, newStr, newByteLength);
+    std::memcpy(pResultStr, source, newByteLength);
     return pResultStr;
 }
 
@@ -249,7 +270,8 @@ void BlockStringCache::FormatStatistics(bool detail, std::vector<TString>& lines
 }
 
 void BlockStringCache::DumpStatistics(bool detail) const {
-    ValuesStatistics::DumpLines sink;
+    ValuesStatistics::DumpLines sink{"Util::BlockStringCache::DumpStatistics",
+                                     "void Util::BlockStringCache::DumpStatistics(bool) const"};
     ValuesStatistics::EmitCache(*this, detail, sink);
 }
 

@@ -1,13 +1,15 @@
 #include "DataTypes/src/blockstringcache_stats.h"
 #include "Util/BlockStringCache.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace Util {
 
 FreeList::FreeList() {
-    std::memset(m_head, 0xFF, sizeof m_head);
-    std::memset(m_tail, 0xFF, sizeof m_tail);
+    std::fill(std::begin(m_head), std::end(m_head), nullptr);
+    std::fill(std::begin(m_tail), std::end(m_tail), nullptr);
     std::memset(m_bits, 0, sizeof m_bits);
 }
 
@@ -30,10 +32,16 @@ char* FreeList::TakeLarge(std::size_t needed, std::size_t slack, std::size_t& si
     if (rest > slack && rest >= kSmallSizes) {
         // The remainder stays large: re-key the map node in place instead of freeing one and
         // allocating another. This is the common case while a fresh block fills up.
+        // The shorter chunk goes after every listed chunk of its size and before any larger
+        // one; usually that is where it already was, and the hint makes the insertion cheap.
+        auto hint = m_large.upper_bound(rest);
+        if (hint == it) {
+            ++hint;
+        }
         auto node = m_large.extract(it);
         node.key() = rest;
         node.mapped() = start + needed;
-        m_large.insert(std::move(node));
+        m_large.insert(hint, std::move(node));
         m_totalFree -= needed;
         size = needed;
         return start;
@@ -62,7 +70,8 @@ void FreeList::FormatStatistics(bool detail, std::vector<TString>& lines) const 
 }
 
 void FreeList::DumpStatistics(bool detail) const {
-    ValuesStatistics::DumpLines sink;
+    ValuesStatistics::DumpLines sink{"Util::FreeList::DumpStatistics",
+                                     "void Util::FreeList::DumpStatistics(bool) const"};
     ValuesStatistics::EmitFreeList(*this, detail, sink);
 }
 

@@ -19,9 +19,12 @@ struct FormatLines {
     }
 };
 
+// Each line as a "DUMP" event of the named function.
 struct DumpLines {
+    const char* function;
+    const char* signature;
     template <class... Args> void operator()(const char* format, Args... args) {
-        VALUES_DUMP(format, args...);
+        VALUES_DUMP(function, signature, format, args...);
     }
 };
 

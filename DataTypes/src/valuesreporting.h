@@ -1,51 +1,30 @@
 // Reporting used by the value types (block string cache, Guid, unique ID generators).
 //
-// Every call goes through these few macros so that the value types report exactly like the
-// rest of the library. Failure paths only: the hot paths evaluate a condition and nothing else.
-//   VALUES_VERIFY(cond)                 -> bool; a false condition is reported as "(cond) is false"
-//   VALUES_LOCAL_OPS(function, sig)     -> declares the function's reporting object
-//   VALUES_REPORT(status)               -> reports the status through it and yields the status
-//   VALUES_DUMP(fmt, ...)               -> one statistics line (a "DUMP" event)
+// Thin wrappers over the operations manager that keep the hot paths to a bare test of the
+// condition: the manager is reached only when something is to be reported.
+//   VALUES_VERIFY(cond)              -> bool; a false condition is a VERIFY "(cond) is false"
+//   VALUES_LOCAL_OPS(function, sig)  -> declares the function's Util::LocalOps under the given
+//                                       function name (FUNC_ENTER now, FUNC_EXIT at scope end)
+//   VALUES_REPORT(status)            -> reports the status through it (FUNC_STATUS), yields it
+//   VALUES_DUMP(function, sig, fmt, ...) -> one statistics line as a DUMP event
 #pragma once
 
+#include "Util/Ops.h"
+#include "Util/OpsMacros.h"
 #include "Util/Status.h"
-#include "Util/Win32.h"
-
-namespace Util {
-namespace ValuesReporting {
-
-// Stand-in until the operations manager is available: keeps the function's context so that the
-// macros have their final shape.
-class LocalScope {
-public:
-    LocalScope(const char* file, const char* function, const char* signature)
-        : m_file(file), m_function(function), m_signature(signature) {}
-    Status Report(const Status& status, long line) {
-        m_line = line;
-        return status;
-    }
-
-private:
-    const char* m_file;
-    const char* m_function;
-    const char* m_signature;
-    long m_line = 0;
-};
-
-inline bool Verify(bool condition, const char*, const char*, long) {
-    return condition;
-}
-inline void Dump(const char*, ...) {}
-
-} // namespace ValuesReporting
-} // namespace Util
 
 #define VALUES_VERIFY(cond)                                                                        \
-    ((cond) ? true : ::Util::ValuesReporting::Verify(false, #cond, __FILE__, __LINE__))
+    ((cond) ? true                                                                                 \
+            : ::Util::GetOps().Verify(false, #cond, __FILE__, __LINE__, __func__, ZT_FUNC_SIG))
 
 #define VALUES_LOCAL_OPS(function, signature)                                                      \
-    ::Util::ValuesReporting::LocalScope valuesLocalOps(__FILE__, function, signature)
+    ::Util::LocalOps valuesLocalOps(__FILE__, __LINE__, function, signature)
 
-#define VALUES_REPORT(status) valuesLocalOps.Report((status), __LINE__)
+#define VALUES_REPORT(status) valuesLocalOps.ReportStatus((status), __LINE__)
 
-#define VALUES_DUMP(...) ::Util::ValuesReporting::Dump(__VA_ARGS__)
+#define VALUES_DUMP(function, signature, ...)                                                      \
+    (::Util::Ops::IsEventLevelActive(::Util::Ops::kDump, ::Util::Ops::kLvlInfoSummary)             \
+         ? ::Util::Ops::MessageFunctor(::Util::GetOps(), ::Util::Ops::kLvlInfoSummary,             \
+                                       ::Util::Ops::kDump, __FILE__, __LINE__, function,           \
+                                       signature)(__VA_ARGS__)                                     \
+         : false)

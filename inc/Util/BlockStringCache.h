@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <new>
@@ -31,7 +32,8 @@ public:
     FreeList(const FreeList&) = delete;
     FreeList& operator=(const FreeList&) = delete;
 
-    // False only when memory for the bookkeeping is exhausted (the chunk is then lost).
+    // Lists a free chunk; its first 8 bytes then belong to the list. False (the chunk is not
+    // listed) for a chunk below 8 bytes or when memory for the bookkeeping is exhausted.
     bool Insert(char* start, std::size_t size);
     // Removes the best-fitting chunk and returns its start and size; null when none fits.
     char* TakeBestFit(std::size_t needed, std::size_t& size);
@@ -52,15 +54,13 @@ public:
     void DumpStatistics(bool detail) const;
 
 private:
-    // Chunks below kSmallSizes bytes sit in one FIFO per exact size, found through a bitmap;
-    // larger ones in an ordered multimap. Both keep the order a single multimap would. The
-    // small-chunk paths are inline: they are the cost of every AddString and RemoveString.
+    // Chunks below kSmallSizes bytes sit in one FIFO per exact size, linked through their own
+    // first 8 bytes (a free chunk's header is not needed: the list knows its size) and found
+    // through a bitmap; larger ones in an ordered multimap. Both keep the order a single
+    // multimap would. The small-chunk paths are inline: they are the cost of every AddString
+    // and RemoveString.
     static constexpr std::size_t kSmallSizes = 1024;
-    static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
-    struct Node {
-        char* start;
-        std::uint32_t next;
-    };
+    static constexpr std::size_t kLinkSize = sizeof(char*);
 
     std::size_t FindSmall(std::size_t needed) const;
     void PushSmall(char* start, std::size_t size);
@@ -70,11 +70,15 @@ private:
     static unsigned LowestBit(std::uint64_t bits) {
         return static_cast<unsigned>(__builtin_ctzll(bits));
     }
+    static char* NextOf(const char* chunk) {
+        char* next;
+        std::memcpy(&next, chunk, sizeof next);
+        return next;
+    }
+    static void SetNext(char* chunk, char* next) { std::memcpy(chunk, &next, sizeof next); }
 
-    std::vector<Node> m_nodes;
-    std::uint32_t m_freeNodes = kNone;
-    std::uint32_t m_head[kSmallSizes];
-    std::uint32_t m_tail[kSmallSizes];
+    char* m_head[kSmallSizes];
+    char* m_tail[kSmallSizes];
     std::uint64_t m_bits[kSmallSizes / 64];
     std::uint32_t m_summary = 0;
     std::multimap<std::size_t, char*> m_large;
@@ -101,55 +105,46 @@ inline std::size_t FreeList::FindSmall(std::size_t needed) const {
 }
 
 inline void FreeList::PushSmall(char* start, std::size_t size) {
-    std::uint32_t node = m_freeNodes;
-    if (node != kNone) {
-        m_freeNodes = m_nodes[node].next;
-        m_nodes[node] = Node{start, kNone};
-    } else {
-        if (m_nodes.size() >= kNone) {
-            throw std::bad_alloc();
-        }
-        m_nodes.push_back(Node{start, kNone});
-        node = static_cast<std::uint32_t>(m_nodes.size() - 1);
-    }
-    if (m_tail[size] == kNone) {
-        m_head[size] = node;
+    SetNext(start, nullptr);
+    if (m_tail[size] == nullptr) {
+        m_head[size] = start;
         m_bits[size >> 6] |= std::uint64_t(1) << (size & 63);
         m_summary |= 1u << (size >> 6);
     } else {
-        m_nodes[m_tail[size]].next = node;
+        SetNext(m_tail[size], start);
     }
-    m_tail[size] = node;
+    m_tail[size] = start;
     ++m_count;
     m_totalFree += size;
 }
 
 inline char* FreeList::PopSmall(std::size_t size) {
-    std::uint32_t node = m_head[size];
-    char* start = m_nodes[node].start;
-    m_head[size] = m_nodes[node].next;
-    if (m_head[size] == kNone) {
-        m_tail[size] = kNone;
+    char* start = m_head[size];
+    char* next = NextOf(start);
+    m_head[size] = next;
+    if (next == nullptr) {
+        m_tail[size] = nullptr;
         std::uint64_t& word = m_bits[size >> 6];
         word &= ~(std::uint64_t(1) << (size & 63));
         if (word == 0) {
             m_summary &= ~(1u << (size >> 6));
         }
     }
-    m_nodes[node].next = m_freeNodes;
-    m_freeNodes = node;
     --m_count;
     m_totalFree -= size;
     return start;
 }
 
 inline bool FreeList::Insert(char* start, std::size_t size) {
+    if (size < kLinkSize) {
+        return false; // too small to hold a link, or any string with its header
+    }
+    if (size < kSmallSizes) {
+        PushSmall(start, size);
+        return true;
+    }
     try {
-        if (size < kSmallSizes) {
-            PushSmall(start, size);
-        } else {
-            InsertLarge(start, size);
-        }
+        InsertLarge(start, size);
     } catch (const std::exception&) {
         return false;
     }
@@ -176,8 +171,8 @@ inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack
 
 template <class F> void FreeList::ForEach(F&& visit) const {
     for (std::size_t size = 0; size < kSmallSizes; ++size) {
-        for (std::uint32_t i = m_head[size]; i != kNone; i = m_nodes[i].next) {
-            visit(m_nodes[i].start, size);
+        for (char* chunk = m_head[size]; chunk != nullptr; chunk = NextOf(chunk)) {
+            visit(chunk, size);
         }
     }
     for (const auto& entry : m_large) {
@@ -229,6 +224,7 @@ public:
 private:
     Status AllocateNewBlock();
     char* GetBytesFromCache(std::size_t byteLength);
+    char* GetBytesFromNewBlock(std::size_t byteLength);
     char* GetFromFreeList(std::size_t byteLength);
     bool ReturnToFreeList(const char* s, std::size_t byteLength);
     bool AddBufferToFreeList(char* start, std::size_t size);

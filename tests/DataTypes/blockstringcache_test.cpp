@@ -1,4 +1,5 @@
 #include "Util/BlockStringCache.h"
+#include "tests/OperationsManager/ops_test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -141,6 +142,16 @@ TEST(BlockStringCacheReplace, SameLengthInPlaceOtherwiseMoves) {
     const char* tail = cache.ReplaceString(text, text + 14);
     EXPECT_STREQ(tail, "string to be shortened in place");
 
+    // Also when the reused chunk is split inside the text being copied.
+    std::string hundred(100, 'x');
+    for (size_t i = 0; i < hundred.size(); ++i) {
+        hundred[i] = static_cast<char>('a' + i % 26);
+    }
+    const char* wide = cache.AddString(hundred.c_str());
+    const char* half = cache.ReplaceString(wide, wide + 50);
+    EXPECT_EQ(half, wide);
+    EXPECT_EQ(std::string(half), hundred.substr(50));
+
     std::string huge(70000, 'h');
     EXPECT_EQ(cache.ReplaceString(tail, huge.c_str()), nullptr);
     EXPECT_STREQ(tail, "string to be shortened in place");
@@ -242,4 +253,77 @@ TEST(BlockStringCacheModel, RandomOperationsKeepEveryStringIntact) {
         live += HeaderOf(entry.second);
     }
     EXPECT_EQ(live + cache.GetFreeList()->GetTotalFree(), cache.GetBlockCount() * 512);
+}
+
+// ---- what the cache reports through the operations manager ----
+
+namespace {
+
+class BlockStringCacheReporting : public OpsTest::OpsRunning {
+protected:
+    std::vector<std::string> Texts(Util::Ops::EventType type) const {
+        std::vector<std::string> texts;
+        for (const auto& e : m_events->Events()) {
+            if (e.type == type) {
+                texts.push_back(e.text);
+            }
+        }
+        return texts;
+    }
+    void SetUp() override {
+        OpsRunning::SetUp();
+        m_events = OpsTest::Subscribe();
+    }
+    std::shared_ptr<OpsTest::CaptureHandler> m_events;
+};
+
+} // namespace
+
+TEST_F(BlockStringCacheReporting, FailuresRaiseNamedVerificationsAndReportStatuses) {
+    BlockStringCache cache;
+    EXPECT_EQ(cache.AddString(std::string(65527, 'x').c_str()), nullptr);
+    EXPECT_EQ(cache.AddString(std::string(65535, 'x').c_str()), nullptr);
+    const char* s = cache.AddString("abc");
+    EXPECT_EQ(cache.ReplaceString(s, std::string(70000, 'y').c_str()), nullptr);
+    cache.FreeCache();
+    EXPECT_EQ(cache.AddString("x"), nullptr);
+    EXPECT_EQ(cache.RemoveString("x"), -1);
+
+    EXPECT_EQ(Texts(Util::Ops::kVerify),
+              (std::vector<std::string>{
+                  "(pBytes != NULL) is false", "(pAlloc != NULL) is false",
+                  "(byteLength <= m_blockSize) is false", "(newByteLength <= m_blockSize) is false",
+                  "(IsInitialized()) is false", "(IsInitialized()) is false"}));
+    auto statuses = Texts(Util::Ops::kFuncStatus);
+    ASSERT_EQ(statuses.size(), 4u);
+    const char* expected[] = {"Status Reported: Memory failure, function = "
+                              "Util::BlockStringCache::AddString, signature = ",
+                              "Status Reported: Invalid Argument, function = "
+                              "Util::BlockStringCache::AddString, signature = ",
+                              "Status Reported: Invalid Argument, function = "
+                              "Util::BlockStringCache::ReplaceString, signature = ",
+                              "Status Reported: Failed, function = "
+                              "Util::BlockStringCache::AddString, signature = "};
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(statuses[i].rfind(expected[i], 0), 0u) << statuses[i];
+    }
+}
+
+TEST_F(BlockStringCacheReporting, StatisticsAreWrittenAsDumpEvents) {
+    BlockStringCache cache(2048, true);
+    cache.AddString("one");
+    cache.AddString("");
+    std::vector<Util::TString> lines;
+    cache.FormatStatistics(true, lines);
+    cache.DumpStatistics(true);
+    auto dumped = Texts(Util::Ops::kDump);
+    ASSERT_EQ(dumped.size(), lines.size());
+    for (size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(dumped[i], lines[i].c_str());
+    }
+    // The flag writes them once more when the cache is freed.
+    cache.FreeCache();
+    EXPECT_EQ(Texts(Util::Ops::kDump).size(), 2 * lines.size());
+    cache.FreeCache();
+    EXPECT_EQ(Texts(Util::Ops::kDump).size(), 2 * lines.size());
 }

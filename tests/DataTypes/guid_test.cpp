@@ -1,4 +1,5 @@
 #include "Util/Guid.h"
+#include "tests/OperationsManager/ops_test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -99,4 +100,38 @@ TEST(GuidRenew, DiscardsTheCachedText) {
     copy = g;
     EXPECT_TRUE(copy == g);
     EXPECT_STREQ(copy, g);
+}
+
+// ---- what Guid reports through the operations manager ----
+
+namespace {
+class GuidReporting : public OpsTest::OpsRunning {};
+} // namespace
+
+TEST_F(GuidReporting, RenewAndParsingReportUnderTheirFunctionNames) {
+    auto events = OpsTest::Subscribe();
+    Guid g;
+    ASSERT_TRUE(g.Renew().Succeeded());
+    g = TString("nonsense");
+    g = TString("{6B29FC40-CA47-1067-B31D-00DD010662DA}");
+
+    std::vector<std::string> seen;
+    for (const auto& e : events->Events()) {
+        seen.push_back(std::to_string(e.type) + " " + e.function + " " + e.text);
+    }
+    const std::vector<std::string> expected = {
+        "0 Util::Guid::Renew Function Entered: Util::Guid::Renew",
+        "1 Util::Guid::Renew Status Reported: Succeeded, function = Util::Guid::Renew, "
+        "signature = Util::Status Util::Guid::Renew()",
+        "2 Util::Guid::Renew Function Exited: Util::Guid::Renew",
+        "0 Util::Guid::operator = Function Entered: Util::Guid::operator =",
+        "1 Util::Guid::operator = Status Reported: Failed, function = Util::Guid::operator =, "
+        "signature = Util::Guid& Util::Guid::operator =(const Util::TString&)",
+        "2 Util::Guid::operator = Function Exited: Util::Guid::operator =",
+        "0 Util::Guid::operator = Function Entered: Util::Guid::operator =",
+        "1 Util::Guid::operator = Status Reported: Succeeded, function = Util::Guid::operator =, "
+        "signature = Util::Guid& Util::Guid::operator =(const Util::TString&)",
+        "2 Util::Guid::operator = Function Exited: Util::Guid::operator =",
+    };
+    EXPECT_EQ(seen, expected);
 }

@@ -1,4 +1,5 @@
 #include "Util/UniqueIDGenerator.h"
+#include "tests/OperationsManager/ops_test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -204,4 +205,36 @@ TEST(UniqueIDGeneratorThreads, GeneratorsOnSeveralThreadsShareOneScopeSafely) {
     }
     EXPECT_EQ(all.size(), total);
     EXPECT_GT(total, 0u);
+}
+
+// ---- what the generators report through the operations manager ----
+
+namespace {
+class UniqueIDGeneratorReporting : public OpsTest::OpsRunning {};
+} // namespace
+
+TEST_F(UniqueIDGeneratorReporting, EveryFailedPreconditionIsAVerification) {
+    auto verify = OpsTest::Subscribe("EVENT_TYPE_FILTER", "type", "VERIFY");
+    UIDU universe;
+    UniqueIDGenerator straddling(&universe, kContextA, -5, 5);
+    straddling.Generate();
+    UniqueIDGenerator orphan(nullptr, kContextA, 3, 2);
+    UniqueIDGenerator first(&universe, kContextB, 1, 10);
+    UniqueIDGenerator second(&universe, kContextB, 2, 11);
+    first.Remove(7);
+
+    std::vector<std::string> texts;
+    for (const auto& e : verify->Events()) {
+        texts.push_back(e.text);
+    }
+    const std::vector<std::string> expected = {
+        "((beginRange > 0 && endRange > 0) || (beginRange < 0 && endRange < 0)) is false",
+        "(this->IsValid()) is false",
+        "(m_pUniverse != 0) is false",
+        "(endRange > beginRange) is false",
+        "(pScope->GetBeginRange() == beginRange) is false",
+        "(pScope->GetEndRange() == endRange) is false",
+        "(this->IsOwned(id)) is false",
+    };
+    EXPECT_EQ(texts, expected);
 }
