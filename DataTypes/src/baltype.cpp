@@ -46,17 +46,6 @@ BalType::BalType(BalTypeIntialValue initial) : m_mbits(0x20), m_number{} {
     }
 }
 
-ZtDecimal64 BalType::_GetZtDecimal() const {
-    uint64_t bits;
-    std::memcpy(&bits, m_number, sizeof bits);
-    return FromBits(bits);
-}
-
-void BalType::_SetZtDecimal(const ZtDecimal64& number) {
-    uint64_t bits = Bits(number);
-    std::memcpy(m_number, &bits, sizeof bits);
-}
-
 void BalType::StoreNumber(const ZtDecimal64& number) {
     m_mbits &= static_cast<unsigned char>(~kUninitBit);
     _SetZtDecimal(number);
@@ -69,21 +58,13 @@ void BalType::StoreError() {
 }
 
 void BalType::ApplyDollarMaximum() {
-    if (Magnitude(GetDecimalAmount()) > DollarMax()) {
+    if (ExceedsDollarMax(GetDecimalAmount())) {
         StoreError();
     }
 }
 
-ZtDecimal64 BalType::GetDecimalAmount() const {
-    return (m_mbits & kUninitBit) ? ZtDecimal64::m_internal_zero : _GetZtDecimal();
-}
-
 bool BalType::IsZero() const {
     return (m_mbits & kUninitBit) || IsZeroBits(Bits(_GetZtDecimal()));
-}
-
-bool BalType::IsNegative() const {
-    return GetDecimalAmount().IsNegative();
 }
 
 uint64_t BalType::GetDollars() const {
@@ -225,29 +206,7 @@ void BalType::SetFromDecimalWithoutLimitChecking(const ZtDecimal64& number, BalK
 
 void BalType::SetFromDecimalWithoutNANChecking(const ZtDecimal64& number, BalKind kind,
                                                bool percent, bool round) {
-    m_mbits = static_cast<unsigned char>((percent ? kPercentBit : 0) | (kind == BalKindQty));
-    ZtDecimal64 magnitude = Magnitude(number);
-    if (kind == BalKindQty) {
-        if (!(magnitude > QtyMax())) {
-            ZtDecimal64 value = number;
-            if (round) {
-                value.RoundToPlace(-5);
-            }
-            _SetZtDecimal(value);
-            return;
-        }
-        // Too large for a quantity: kept as a dollar amount on purpose.
-        m_mbits &= static_cast<unsigned char>(~kQtyBit);
-    }
-    if (magnitude > DollarMax()) {
-        StoreError();
-        return;
-    }
-    ZtDecimal64 value = number;
-    if (round) {
-        value.RoundToPlace(-2);
-    }
-    _SetZtDecimal(value);
+    StoreUnderLimits(*this, number, kind == BalKindQty, percent, round);
 }
 
 void BalType::SetFromDecimal(const ZtDecimal64& number, BalKind kind, bool percent, bool round) {
@@ -331,49 +290,11 @@ void BalType::LargeNegativeQty() {
     *this = CurrentLargeValues().negativeQty;
 }
 
-BalType BalType::operator+(const BalType& rhs) const {
-    BalType result;
-    BalAddPtr(&result, this, &rhs);
-    return result;
-}
-
-BalType BalType::operator-(const BalType& rhs) const {
-    return BalSubtract(*this, rhs);
-}
 BalType BalType::operator*(const BalType& rhs) const {
     return BalMultiply(*this, rhs);
 }
 BalType BalType::operator/(const BalType& rhs) const {
     return BalDivide(*this, rhs);
-}
-
-BalType& BalType::operator+=(const BalType& rhs) {
-    BalAddPtr(this, this, &rhs);
-    return *this;
-}
-
-BalType& BalType::operator-=(const BalType& rhs) {
-    BalSubtractPtr(this, this, &rhs);
-    return *this;
-}
-
-bool BalType::operator==(const BalType& rhs) const {
-    return BalPickyCompare(*this, rhs, true) == 0;
-}
-bool BalType::operator!=(const BalType& rhs) const {
-    return BalPickyCompare(*this, rhs, true) != 0;
-}
-bool BalType::operator<(const BalType& rhs) const {
-    return BalPickyCompare(*this, rhs, true) < 0;
-}
-bool BalType::operator<=(const BalType& rhs) const {
-    return BalPickyCompare(*this, rhs, true) <= 0;
-}
-bool BalType::operator>(const BalType& rhs) const {
-    return BalPickyCompare(*this, rhs, true) > 0;
-}
-bool BalType::operator>=(const BalType& rhs) const {
-    return BalPickyCompare(*this, rhs, true) >= 0;
 }
 
 // Shared values.

@@ -2,6 +2,7 @@
 #include "Util/BalType.h"
 
 #include "DataTypes/src/baltype_impl.h"
+#include "DataTypes/src/ztdecimal64_bid.h"
 
 using namespace BalTypeInternal;
 
@@ -11,11 +12,11 @@ constexpr unsigned char kError = BalType::kErrorBit;
 constexpr unsigned char kPercent = BalType::kPercentBit;
 constexpr unsigned char kEmpty = BalType::kEmptyBit;
 constexpr unsigned char kUninit = BalType::kUninitBit;
+constexpr uint64_t kSignBit = 0x8000000000000000ULL;
 
 // The result of an operation on an error value, or an invalid one: zero with the error bit.
 void SetErrorResult(BalType* result, unsigned char bits) {
-    result->_SetMbits(bits);
-    result->_SetZtDecimal(ZtDecimal64::m_internal_zero);
+    result->_SetRaw(bits, ZtDecimal64::m_internal_zero);
     RaiseOverflow();
 }
 
@@ -34,12 +35,12 @@ void ScaleLonePercent(unsigned char ma, unsigned char mb, ZtDecimal64& x, ZtDeci
     }
 }
 
-BalKind KindOf(bool qty) {
-    return qty ? BalKindQty : BalKindDollar;
-}
 } // namespace
 
-void BalAddPtr(BalType* result, const BalType* a, const BalType* b) {
+namespace {
+// The one addition behind BalAddPtr, BalSubtractPtr and the operators; the result may alias an
+// operand. Subtraction adds b with its sign flipped (an uninitialised b stays as it is).
+inline void AddInto(BalType* result, const BalType* a, const BalType* b, bool negateB) {
     const unsigned char ma = a->_GetMbits();
     const unsigned char mb = b->_GetMbits();
     if ((ma | mb) & (kError | kEmpty)) {
@@ -49,6 +50,9 @@ void BalAddPtr(BalType* result, const BalType* a, const BalType* b) {
         }
         const bool aEmpty = (ma & kEmpty) != 0;
         BalType value = aEmpty ? *b : *a;
+        if (aEmpty && negateB && !(mb & kUninit)) {
+            value._SetZtDecimal(FromBits(Bits(value._GetZtDecimal()) ^ kSignBit));
+        }
         const unsigned char otherBits = aEmpty ? ma : mb;
         if (!(otherBits & kQty)) {
             value.SetKindDollar();
@@ -62,6 +66,9 @@ void BalAddPtr(BalType* result, const BalType* a, const BalType* b) {
     const bool kindsDiffer = ((ma ^ mb) & kQty) != 0;
     ZtDecimal64 x = a->GetDecimalAmount();
     ZtDecimal64 y = b->GetDecimalAmount();
+    if (negateB && !(mb & kUninit)) {
+        y = FromBits(Bits(y) ^ kSignBit);
+    }
     ScaleLonePercent(ma, mb, x, y);
 
     const bool aZero = (ma & kUninit) || IsZeroBits(Bits(x));
@@ -71,11 +78,39 @@ void BalAddPtr(BalType* result, const BalType* a, const BalType* b) {
         if (kindsDiffer) {
             number.RoundToPlace(bothQty ? -5 : -2);
         }
-        result->_SetMbits(static_cast<unsigned char>((bothPercent ? kPercent : 0) | bothQty));
-        result->_SetZtDecimal(number);
+        result->_SetRaw(static_cast<unsigned char>((bothPercent ? kPercent : 0) | bothQty), number);
         return;
     }
-    result->SetFromDecimalWithoutNANChecking(x + y, KindOf(bothQty), bothPercent, kindsDiffer);
+    StoreUnderLimits(*result, FromBits(bid64_add(Bits(x), Bits(y))), bothQty, bothPercent,
+                     kindsDiffer);
+}
+
+} // namespace
+
+void BalAddPtr(BalType* result, const BalType* a, const BalType* b) {
+    AddInto(result, a, b, false);
+}
+
+BalType BalType::operator+(const BalType& rhs) const {
+    BalType result;
+    AddInto(&result, this, &rhs, false);
+    return result;
+}
+
+BalType& BalType::operator+=(const BalType& rhs) {
+    AddInto(this, this, &rhs, false);
+    return *this;
+}
+
+BalType BalType::operator-(const BalType& rhs) const {
+    BalType result;
+    AddInto(&result, this, &rhs, true);
+    return result;
+}
+
+BalType& BalType::operator-=(const BalType& rhs) {
+    AddInto(this, this, &rhs, true);
+    return *this;
 }
 
 BalType BalAdd(const BalType& a, const BalType& b) {
@@ -85,11 +120,7 @@ BalType BalAdd(const BalType& a, const BalType& b) {
 }
 
 void BalSubtractPtr(BalType* result, const BalType* a, const BalType* b) {
-    BalType negated(*b);
-    if (negated.IsZtDecimalInitilized()) {
-        negated._SetZtDecimal(-negated._GetZtDecimal());
-    }
-    BalAddPtr(result, a, &negated);
+    AddInto(result, a, b, true);
 }
 
 BalType BalSubtract(const BalType& a, const BalType& b) {
@@ -119,18 +150,15 @@ BalType Multiply(const BalType& a, const BalType& b, bool qtyResult) {
     ZtDecimal64 y = b.GetDecimalAmount();
     ScaleLonePercent(ma, mb, x, y);
     ZtDecimal64 product = x * y;
-    ZtDecimal64 magnitude = Magnitude(product);
-    if (qtyResult && !(magnitude > QtyMax())) {
-        result._SetMbits(kQty);
-        result._SetZtDecimal(product.RoundToPlace(-5));
+    if (qtyResult && !ExceedsQtyMax(product)) {
+        result._SetRaw(kQty, product.RoundToPlace(-5));
         return result;
     }
-    if (magnitude > DollarMax() || magnitude.IsNaN()) {
+    if (ExceedsDollarMax(product) || IsNaNBits(Bits(product))) {
         SetErrorResult(&result, kError);
         return result;
     }
-    result._SetMbits(0);
-    result._SetZtDecimal(product.RoundToPlace(-2));
+    result._SetRaw(0, product.RoundToPlace(-2));
     return result;
 }
 } // namespace
@@ -197,7 +225,8 @@ void BalSetSign(BalType* value, short sign) {
     }
 }
 
-int BalPickyCompare(const BalType& a, const BalType& b, bool ignoreEmpty) {
+namespace {
+inline int PickyCompare(const BalType& a, const BalType& b, bool ignoreEmpty) {
     if (a.IsError()) {
         return b.IsError() ? 0 : 1;
     }
@@ -210,9 +239,9 @@ int BalPickyCompare(const BalType& a, const BalType& b, bool ignoreEmpty) {
     if (a.IsEmpty() && b.IsEmpty()) {
         return 0;
     }
-    ZtDecimal64 x = a.GetDecimalAmount();
-    ZtDecimal64 y = b.GetDecimalAmount();
-    if (x == y) {
+    const uint64_t x = Bits(a.GetDecimalAmount());
+    const uint64_t y = Bits(b.GetDecimalAmount());
+    if (bid64_quiet_equal(x, y)) {
         if (ignoreEmpty) {
             return 0;
         }
@@ -221,7 +250,31 @@ int BalPickyCompare(const BalType& a, const BalType& b, bool ignoreEmpty) {
         }
         return -1;
     }
-    return x > y ? 1 : -1;
+    return bid64_quiet_greater(x, y) ? 1 : -1;
+}
+} // namespace
+
+int BalPickyCompare(const BalType& a, const BalType& b, bool ignoreEmpty) {
+    return PickyCompare(a, b, ignoreEmpty);
+}
+
+bool BalType::operator==(const BalType& rhs) const {
+    return PickyCompare(*this, rhs, true) == 0;
+}
+bool BalType::operator!=(const BalType& rhs) const {
+    return PickyCompare(*this, rhs, true) != 0;
+}
+bool BalType::operator<(const BalType& rhs) const {
+    return PickyCompare(*this, rhs, true) < 0;
+}
+bool BalType::operator<=(const BalType& rhs) const {
+    return PickyCompare(*this, rhs, true) <= 0;
+}
+bool BalType::operator>(const BalType& rhs) const {
+    return PickyCompare(*this, rhs, true) > 0;
+}
+bool BalType::operator>=(const BalType& rhs) const {
+    return PickyCompare(*this, rhs, true) >= 0;
 }
 
 int BalAbsCompare(const BalType& a, const BalType& b) {

@@ -151,7 +151,7 @@ BalType Bal2Percent(const BalType& value) {
 
 BalType Bal2Qnty(const BalType& value) {
     if (!value.IsDollar() || value.IsError() || !value.IsZtDecimalInitilized() ||
-        Magnitude(value.GetDecimalAmount()) > QtyMax()) {
+        ExceedsQtyMax(value.GetDecimalAmount())) {
         return value;
     }
     BalType result(value);
@@ -219,8 +219,8 @@ bool ValidateAmount(BalType* value) {
         }
         return false;
     }
-    const ZtDecimal64& max = value->IsQty() ? QtyMax() : DollarMax();
-    if (Magnitude(value->GetDecimalAmount()) > max) {
+    const ZtDecimal64 number = value->GetDecimalAmount();
+    if (value->IsQty() ? ExceedsQtyMax(number) : ExceedsDollarMax(number)) {
         BalKind kind = value->GetKind();
         *value = ErrorValue(kind);
         return false;

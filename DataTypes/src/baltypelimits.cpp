@@ -32,8 +32,6 @@ constexpr double kFloatLimits9Byte[BaltypeLimits::FloatLimitCount] = {0.0, 99999
 constexpr double kFloatLimits6Byte[BaltypeLimits::FloatLimitCount] = {0.0, 4294967295.99,
                                                                       4294967295.99999};
 
-std::atomic<int> g_limitMode{BaltypeLimits::LimitMode9Byte};
-
 // 0 means "not read yet": the locale is asked on first use.
 std::atomic<char> g_decimalSeparator{0};
 
@@ -45,35 +43,25 @@ double FloatEntry(const double (&row)[BaltypeLimits::FloatLimitCount], int index
     return index >= 0 && index < BaltypeLimits::FloatLimitCount ? row[index] : 0.0;
 }
 
-struct Maxima {
-    ZtDecimal64 dollar[2];
-    ZtDecimal64 qty[2];
-};
-
-const Maxima& GetMaxima() {
-    static const Maxima maxima = [] {
-        Maxima m;
-        m.dollar[0] = ZtDecimal64(kFloatLimits9Byte[BaltypeLimits::FloatLimitDollarMax]);
-        m.dollar[1] = ZtDecimal64(kFloatLimits6Byte[BaltypeLimits::FloatLimitDollarMax]);
-        m.qty[0] = ZtDecimal64(kFloatLimits9Byte[BaltypeLimits::FloatLimitQtyMax]);
-        m.qty[1] = ZtDecimal64(kFloatLimits6Byte[BaltypeLimits::FloatLimitQtyMax]);
-        return m;
-    }();
-    return maxima;
-}
 } // namespace
 
 namespace BalTypeInternal {
+std::atomic<int> g_limitMode{BaltypeLimits::LimitMode9Byte};
+
+Maxima BuildMaxima() {
+    Maxima m;
+    m.dollar[0] = ZtDecimal64(kFloatLimits9Byte[BaltypeLimits::FloatLimitDollarMax]);
+    m.dollar[1] = ZtDecimal64(kFloatLimits6Byte[BaltypeLimits::FloatLimitDollarMax]);
+    m.qty[0] = ZtDecimal64(kFloatLimits9Byte[BaltypeLimits::FloatLimitQtyMax]);
+    m.qty[1] = ZtDecimal64(kFloatLimits6Byte[BaltypeLimits::FloatLimitQtyMax]);
+    return m;
+}
+
 std::atomic<unsigned char> g_overflowFlag{0};
 std::atomic<unsigned char> g_dbOverflowFlag{0};
-
-const ZtDecimal64& DollarMax() {
-    return GetMaxima().dollar[BaltypeLimits::GetLimitMode()];
-}
-const ZtDecimal64& QtyMax() {
-    return GetMaxima().qty[BaltypeLimits::GetLimitMode()];
-}
 } // namespace BalTypeInternal
+
+using BalTypeInternal::g_limitMode;
 
 void BaltypeLimits::SetLimitMode(int mode) {
     if (mode == LimitMode9Byte || mode == LimitMode6Byte) {

@@ -94,7 +94,7 @@ void Variant::CopyFrom(const __util_Variant& other) {
         m_data = other;
 }
 
-void Variant::Clear() {
+void Variant::FreeString() {
     if (m_data.vt == UTIL_VT_STRING)
         GetMemoryManager().Free(m_data.pszVal);
     else if (m_data.vt == UTIL_VT_WSTRING)
@@ -102,7 +102,7 @@ void Variant::Clear() {
     Reset();
 }
 
-Variant& Variant::operator=(const Variant& other) {
+Variant& Variant::AssignFrom(const Variant& other) {
     if (this != &other) {
         Clear();
         CopyFrom(other.m_data);

@@ -203,21 +203,6 @@ ZtDecimal64 ZtDecimal64::FMA(const ZtDecimal64& a, const ZtDecimal64& b, const Z
     return ZtDecimal64(bid64_fma(a.m_value, b.m_value, c.m_value), Raw);
 }
 
-ZtDecimal64 ZtDecimal64::operator+(const ZtDecimal64& rhs) const {
-    return ZtDecimal64(bid64_add(m_value, rhs.m_value), Raw);
-}
-ZtDecimal64 ZtDecimal64::operator-(const ZtDecimal64& rhs) const {
-    return ZtDecimal64(bid64_sub(m_value, rhs.m_value), Raw);
-}
-ZtDecimal64 ZtDecimal64::operator*(const ZtDecimal64& rhs) const {
-    return ZtDecimal64(bid64_mul(m_value, rhs.m_value), Raw);
-}
-ZtDecimal64 ZtDecimal64::operator/(const ZtDecimal64& rhs) const {
-    return ZtDecimal64(bid64_div(m_value, rhs.m_value), Raw);
-}
-ZtDecimal64 ZtDecimal64::operator%(const ZtDecimal64& rhs) const {
-    return ZtDecimal64(bid64_fmod(m_value, rhs.m_value), Raw);
-}
 ZtDecimal64 ZtDecimal64::operator-() const {
     return ZtDecimal64(bid64_negate(m_value), Raw);
 }
@@ -243,23 +228,23 @@ ZtDecimal64& ZtDecimal64::operator%=(const ZtDecimal64& rhs) {
     return *this;
 }
 
-bool ZtDecimal64::operator==(const ZtDecimal64& rhs) const {
-    return bid64_quiet_equal(m_value, rhs.m_value) != 0;
+bool operator==(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    return bid64_quiet_equal(lhs.GetInternalToUInt64(), rhs.GetInternalToUInt64()) != 0;
 }
-bool ZtDecimal64::operator!=(const ZtDecimal64& rhs) const {
-    return bid64_quiet_not_equal(m_value, rhs.m_value) != 0;
+bool operator!=(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    return bid64_quiet_not_equal(lhs.GetInternalToUInt64(), rhs.GetInternalToUInt64()) != 0;
 }
-bool ZtDecimal64::operator<(const ZtDecimal64& rhs) const {
-    return bid64_quiet_less(m_value, rhs.m_value) != 0;
+bool operator<(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    return bid64_quiet_less(lhs.GetInternalToUInt64(), rhs.GetInternalToUInt64()) != 0;
 }
-bool ZtDecimal64::operator<=(const ZtDecimal64& rhs) const {
-    return bid64_quiet_less_equal(m_value, rhs.m_value) != 0;
+bool operator<=(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    return bid64_quiet_less_equal(lhs.GetInternalToUInt64(), rhs.GetInternalToUInt64()) != 0;
 }
-bool ZtDecimal64::operator>(const ZtDecimal64& rhs) const {
-    return bid64_quiet_greater(m_value, rhs.m_value) != 0;
+bool operator>(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    return bid64_quiet_greater(lhs.GetInternalToUInt64(), rhs.GetInternalToUInt64()) != 0;
 }
-bool ZtDecimal64::operator>=(const ZtDecimal64& rhs) const {
-    return bid64_quiet_greater_equal(m_value, rhs.m_value) != 0;
+bool operator>=(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    return bid64_quiet_greater_equal(lhs.GetInternalToUInt64(), rhs.GetInternalToUInt64()) != 0;
 }
 
 const ZtDecimal64& ZtDecimal64::Zero() {

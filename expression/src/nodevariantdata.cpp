@@ -149,26 +149,6 @@ void NodeVariantData::SetText(const char* a, const char* b, const char* c, Parse
     m_length = static_cast<std::uint32_t>(length);
 }
 
-void NodeVariantData::SetLongValue(std::int32_t value) noexcept {
-    m_type = NVDT_LONG;
-    m_actualType = NVDT_LONG;
-    m_actualKnown = true;
-    m_long = value;
-    m_double = 0.0;
-    m_pString[0] = '\0';
-    m_length = 0;
-}
-
-void NodeVariantData::SetDoubleValue(double value) noexcept {
-    m_type = NVDT_DOUBLE;
-    m_actualType = NVDT_DOUBLE;
-    m_actualKnown = true;
-    m_long = 0;
-    m_double = value;
-    m_pString[0] = '\0';
-    m_length = 0;
-}
-
 NodeVariantData& NodeVariantData::operator=(const NodeVariantData& other) {
     if (this == &other)
         return *this;

@@ -79,7 +79,7 @@ template <bool kExact> Kind Classify(const ExpressParseNode* node) {
 
 } // namespace
 
-ParseTreeEngine::Kind ParseTreeEngine::ClassifyExact(const ExpressParseNode* node) {
+ParseTreeEngine::Kind ParseTreeEngine::ClassifyUncached(const ExpressParseNode* node) {
     return Classify<true>(node);
 }
 

@@ -83,7 +83,16 @@ public:
     };
 
     // The kind of a node met inside a tree: exactly one of the library's classes, else foreign.
-    static Kind ClassifyExact(const ExpressParseNode* node);
+    // The answer is kept in the node: a node's class never changes, and its type only through
+    // SetNodeType, which forgets it.
+    static Kind ClassifyExact(const ExpressParseNode* node) {
+        if (node->m_kindCache != 0)
+            return static_cast<Kind>(node->m_kindCache - 1);
+        const Kind kind = ClassifyUncached(node);
+        node->m_kindCache = static_cast<std::uint8_t>(kind + 1);
+        return kind;
+    }
+    static Kind ClassifyUncached(const ExpressParseNode* node);
     // The kind of the node a walk starts from: any object of (a class derived from) a library
     // class counts as that class.
     static Kind ClassifyRoot(const ExpressParseNode* node);
@@ -97,6 +106,14 @@ public:
     // Prints root (with label, when given, instead of its own) and everything below it.
     static void Print(ExpressParseNode* root, PrintTheNode& printer,
                       const SymbolLookupValues& symbols, const char* label);
+
+    static void LookUpVariable(VarNode* node, bool noTable, const SymbolLookupValues& symbols);
+    static bool IsPlainNumber(const NodeVariantData& value) {
+        return value.m_status == PNS_SUCCESS &&
+               (value.m_type == NVDT_LONG || value.m_type == NVDT_DOUBLE);
+    }
+    static inline void CombineNumbers(Kind kind, ExpressParseNode* node,
+                                      const NodeVariantData& left, const NodeVariantData& right);
 
     // Deletes the given subtrees without recursing through the destructors.
     static void DeleteSubtrees(ExpressParseNode* const* nodes, std::size_t count);

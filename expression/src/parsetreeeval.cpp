@@ -1,3 +1,5 @@
+#include <cfloat>
+#include <cstdint>
 #include <cstring>
 
 #include "expression/src/parsetreeengine.h"
@@ -24,6 +26,116 @@ bool IsNoTable(const SymbolLookupValues& symbols) {
 
 } // namespace
 
+namespace {
+
+inline double AsDouble(const NodeVariantData& value, std::int32_t asLong, double asDouble) {
+    return value.GetDataType() == NVDT_DOUBLE ? asDouble : static_cast<double>(asLong);
+}
+
+} // namespace
+
+// The operators of NodeVariantData for two error-free longs or doubles, without building
+// temporaries: the same table (any double makes it double arithmetic), the same limits for
+// division by zero, 32-bit wrap-around for longs and the 0.0001 tolerance for comparisons.
+inline void ParseTreeEngine::CombineNumbers(Kind kind, ExpressParseNode* node,
+                                            const NodeVariantData& left,
+                                            const NodeVariantData& right) {
+    NodeVariantData& value = node->m_value;
+    value.m_status = PNS_SUCCESS;
+    int order = 0;
+    if (left.m_type == NVDT_DOUBLE || right.m_type == NVDT_DOUBLE) {
+        const double l = AsDouble(left, left.m_long, left.m_double);
+        const double r = AsDouble(right, right.m_long, right.m_double);
+        switch (kind) {
+        case kAdd:
+            value.SetDoubleValue(l + r);
+            return;
+        case kSub:
+            value.SetDoubleValue(l - r);
+            return;
+        case kMult:
+            value.SetDoubleValue(l * r);
+            return;
+        case kDivide:
+            value.SetDoubleValue(r == 0.0 ? DBL_MAX : l / r);
+            return;
+        default: {
+            const double difference = l - r;
+            order = difference < -0.0001 ? -1 : difference > 0.0001 ? 1 : 0;
+            break;
+        }
+        }
+    } else {
+        const std::int64_t l = left.m_long;
+        const std::int64_t r = right.m_long;
+        auto wrap = [](std::int64_t v) {
+            return static_cast<std::int32_t>(
+                static_cast<std::uint32_t>(static_cast<std::uint64_t>(v)));
+        };
+        switch (kind) {
+        case kAdd:
+            value.SetLongValue(wrap(l + r));
+            return;
+        case kSub:
+            value.SetLongValue(wrap(l - r));
+            return;
+        case kMult:
+            value.SetLongValue(wrap(l * r));
+            return;
+        case kDivide:
+            value.SetLongValue(r == 0 ? 2147483647 : wrap(l / r));
+            return;
+        default:
+            order = l < r ? -1 : l > r ? 1 : 0;
+            break;
+        }
+    }
+    bool truth = false;
+    switch (static_cast<CompNode*>(node)->GetCompareType()) {
+    case CT_LESS:
+        truth = order < 0;
+        break;
+    case CT_LESS_EQUAL:
+        truth = order <= 0;
+        break;
+    case CT_GREATER:
+        truth = order > 0;
+        break;
+    case CT_GREATER_EQUAL:
+        truth = order >= 0;
+        break;
+    case CT_EQUAL:
+        truth = order == 0;
+        break;
+    default:
+        truth = order != 0;
+        break;
+    }
+    value.SetLongValue(truth ? 1 : 0);
+}
+
+void ParseTreeEngine::LookUpVariable(VarNode* node, bool noTable,
+                                     const SymbolLookupValues& symbols) {
+    NodeVariantData& value = node->m_value;
+    const char* name = node->m_name.c_str();
+    if (noTable) {
+        value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
+        return;
+    }
+    Variant symbol;
+    if (!symbols.GetSymbolValue(name, symbol)) {
+        value.SetText("Undefined Symbol ", name, " ", PNS_UNDEFINED_SYMBOL);
+        return;
+    }
+    const __util_Variant& data = symbol.GetData();
+    if (data.vt == UTIL_VT_DOUBLE) {
+        value.m_status = PNS_SUCCESS;
+        value.SetDoubleValue(data.dblVal);
+    } else {
+        value = symbol;
+    }
+}
+
 // One pass over the tree in evaluation order. Frames say which node is being worked on and how
 // far; values holds the results of finished children (pointers into the nodes' own values).
 NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind,
@@ -31,20 +143,31 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
     if (rootKind == kForeign)
         return root->m_value;
 
-    SmallStack<Frame, 48> frames;
-    SmallStack<const NodeVariantData*, 48> values;
+    const bool noTable = IsNoTable(symbols);
+    SmallStack<Frame, 24> frames;
+    SmallStack<const NodeVariantData*, 24> values;
     SmallStack<const ExpressParseNode*, 8> activeAliases; // alias trees being evaluated
 
+    // Leaves are worked out on the spot; only inner nodes get a frame.
+    // Returns whether the child's value is already on the value stack (false: it has a frame).
     auto start = [&](ExpressParseNode* child) {
         if (child == nullptr) {
             values.push_back(&EmptyValue());
-            return;
+            return true;
         }
         const Kind kind = ClassifyExact(child);
-        if (kind == kForeign)
+        if (kind == kNum || kind == kString) {
+            values.push_back(&child->m_value);
+        } else if (kind == kVar) {
+            LookUpVariable(static_cast<VarNode*>(child), noTable, symbols);
+            values.push_back(&child->m_value);
+        } else if (kind == kForeign) {
             values.push_back(&child->Calc(symbols));
-        else
+        } else {
             frames.push_back({child, kind, 0});
+            return false;
+        }
+        return true;
     };
     auto finish = [&](ExpressParseNode* node) {
         frames.pop_back();
@@ -62,20 +185,10 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
             finish(node);
             break;
 
-        case kVar: {
-            const char* name = static_cast<VarNode*>(node)->m_name.c_str();
-            if (IsNoTable(symbols)) {
-                value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
-            } else {
-                Variant symbol;
-                if (symbols.GetSymbolValue(name, symbol))
-                    value = symbol;
-                else
-                    value.SetText("Undefined Symbol ", name, " ", PNS_UNDEFINED_SYMBOL);
-            }
+        case kVar:
+            LookUpVariable(static_cast<VarNode*>(node), noTable, symbols);
             finish(node);
             break;
-        }
 
         case kAdd:
         case kSub:
@@ -83,20 +196,26 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
         case kDivide:
         case kCompare: {
             auto* bin = static_cast<BinNode*>(node);
+            // A side that is a leaf is ready at once; only an inner node suspends this one.
             if (frame.state == 0) {
                 frame.state = 1;
-                start(bin->m_pLeft);
-                break;
+                if (!start(bin->m_pLeft))
+                    break;
             }
             if (frame.state == 1) {
                 frame.state = 2;
-                start(bin->m_pRight);
-                break;
+                if (!start(bin->m_pRight))
+                    break;
             }
             const NodeVariantData& right = *values.back();
             values.pop_back();
             const NodeVariantData& left = *values.back();
             values.pop_back();
+            if (IsPlainNumber(left) && IsPlainNumber(right)) {
+                CombineNumbers(frame.kind, node, left, right);
+                finish(node);
+                break;
+            }
             switch (frame.kind) {
             case kAdd:
                 value = left + right;
@@ -176,8 +295,12 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
             value = *values.back();
             values.pop_back();
             // An error value is not stored in the table.
-            if (!value.HasError() && bin->m_pLeft != nullptr && bin->m_pLeft->IsLvalue())
+            if (!value.HasError() && bin->m_pLeft != nullptr && bin->m_pLeft->IsLvalue()) {
                 bin->m_pLeft->Assign(value, symbols);
+                // The variable now holds the value, which is what a printed tree should show.
+                if (ClassifyExact(bin->m_pLeft) == kVar)
+                    bin->m_pLeft->m_value = value;
+            }
             finish(node);
             break;
         }
@@ -204,7 +327,7 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
         case kFun: {
             auto* fun = static_cast<FunNode*>(node);
             const char* name = fun->m_name.c_str();
-            if (frame.state == 0 && IsNoTable(symbols)) {
+            if (frame.state == 0 && noTable) {
                 value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
                 finish(node);
                 break;
@@ -255,7 +378,7 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
                 break;
             }
             ExpressParseNode* tree = nullptr;
-            if (IsNoTable(symbols)) {
+            if (noTable) {
                 value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
             } else if (!symbols.GetAliasValue(name, &tree) || tree == nullptr) {
                 value.SetText("Undefined Alias ", name, " ", PNS_UNDEFINED_ALIAS);

@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <iosfwd>
 
 #include "Util/Export.h"
@@ -97,8 +98,26 @@ public:
     // Raw access.
     unsigned char _GetMbits() const { return m_mbits; }
     void _SetMbits(unsigned char bits) { m_mbits = bits; }
-    ZtDecimal64 _GetZtDecimal() const;
-    void _SetZtDecimal(const ZtDecimal64& number);
+    ZtDecimal64 _GetZtDecimal() const {
+        uint64_t bits;
+        std::memcpy(&bits, m_number, sizeof bits);
+        ZtDecimal64 number(ZtDecimal64::NoInit);
+        number.SetInternallFromUInt64(bits);
+        return number;
+    }
+    // Flag byte and number at once, written as one 8-byte and one 1-byte store so that a value
+    // returned in registers right after it is read back without a store-forwarding stall.
+    void _SetRaw(unsigned char bits, const ZtDecimal64& number) {
+        const uint64_t value = number.GetInternalToUInt64();
+        const uint64_t low = bits | (value << 8);
+        const unsigned char high = static_cast<unsigned char>(value >> 56);
+        std::memcpy(this, &low, sizeof low);
+        std::memcpy(reinterpret_cast<unsigned char*>(this) + sizeof low, &high, 1);
+    }
+    void _SetZtDecimal(const ZtDecimal64& number) {
+        uint64_t bits = number.GetInternalToUInt64();
+        std::memcpy(m_number, &bits, sizeof bits);
+    }
 
     // Queries.
     bool IsDollar() const { return (m_mbits & kQtyBit) == 0; }
@@ -108,13 +127,15 @@ public:
     bool IsError() const { return (m_mbits & kErrorBit) != 0; }
     bool IsZtDecimalInitilized() const { return (m_mbits & kUninitBit) == 0; }
     bool IsZero() const;
-    bool IsNegative() const;
+    bool IsNegative() const { return GetDecimalAmount().IsNegative(); }
     bool IsPositive() const { return !IsNegative(); }
     BalSign GetSign() const { return IsNegative() ? BalSignNegative : BalSignPositive; }
     BalKind GetKind() const { return IsQty() ? BalKindQty : BalKindDollar; }
     // The number; the shared zero while the number is not initialised. Returned by value: the
     // packed layout leaves the number unaligned.
-    ZtDecimal64 GetDecimalAmount() const;
+    ZtDecimal64 GetDecimalAmount() const {
+        return (m_mbits & kUninitBit) ? ZtDecimal64::m_internal_zero : _GetZtDecimal();
+    }
     uint64_t GetDollars() const; // |whole part|; 0 if uninitialised or not convertible
     unsigned GetCents() const;   // first two fraction digits
     void GetQty(uint64_t& whole, uint32_t& fraction) const; // fraction in 1/100000

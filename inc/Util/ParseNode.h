@@ -156,7 +156,10 @@ public:
 
     // The node type, with PNT_PARENTHESIS_BIT when the subtree was parenthesised.
     ParseNodeType GetNodeType() const { return static_cast<ParseNodeType>(m_nodeType); }
-    void SetNodeType(ParseNodeType type) { m_nodeType = type; }
+    void SetNodeType(ParseNodeType type) {
+        m_nodeType = type;
+        m_kindCache = 0;
+    }
     void SetParenthesized(bool on);
     void SetInputBuffLocation(long location) { m_inputBuffLocation = location; }
     long GetInputBuffLocation() const { return m_inputBuffLocation; }
@@ -173,6 +176,7 @@ protected:
     std::uint32_t m_nodeType;
     long m_inputBuffLocation = 0;
     Shape m_shape = kLeaf;
+    mutable std::uint8_t m_kindCache = 0; // what the tree walks found this node to be, plus one
     NodeVariantData m_value;
 };
 

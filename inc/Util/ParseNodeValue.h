@@ -25,6 +25,7 @@
 namespace Util {
 
 class Variant;
+class ParseTreeEngine;
 
 enum ParseNodeStatus {
     PNS_SUCCESS = 0,
@@ -119,8 +120,26 @@ protected:
     int compare(const NodeVariantData& other, ParseNodeStatus& status) const;
 
 private:
-    void SetLongValue(std::int32_t value) noexcept;
-    void SetDoubleValue(double value) noexcept;
+    friend class ParseTreeEngine; // evaluates plain numbers without temporaries
+
+    void SetLongValue(std::int32_t value) noexcept {
+        m_type = NVDT_LONG;
+        m_actualType = NVDT_LONG;
+        m_actualKnown = true;
+        m_long = value;
+        m_double = 0.0;
+        m_pString[0] = '\0';
+        m_length = 0;
+    }
+    void SetDoubleValue(double value) noexcept {
+        m_type = NVDT_DOUBLE;
+        m_actualType = NVDT_DOUBLE;
+        m_actualKnown = true;
+        m_long = 0;
+        m_double = value;
+        m_pString[0] = '\0';
+        m_length = 0;
+    }
     void AssignString(const char* text, std::size_t length);
     char* Reserve(std::size_t length); // room for length + 1, keeps nothing
     void ReleaseHeap() noexcept;

@@ -102,9 +102,19 @@ public:
     Variant(const char* value);
     Variant(const wchar_t* value);
 
-    ~Variant() { Clear(); }
+    ~Variant() {
+        if ((m_data.vt & UTIL_VT_STRING_CLASS) != 0)
+            FreeString();
+    }
 
-    Variant& operator=(const Variant& other);
+    Variant& operator=(const Variant& other) {
+        // Values without a string are copied in place; strings take the long way.
+        if (((m_data.vt | other.m_data.vt) & UTIL_VT_STRING_CLASS) == 0) {
+            m_data = other.m_data;
+            return *this;
+        }
+        return AssignFrom(other);
+    }
     Variant& operator=(Variant&& other) noexcept;
     Variant& operator=(const __util_Variant& other);
     Variant& operator=(const __util_Variant* other);
@@ -152,7 +162,11 @@ public:
     void Attach(__util_Variant& other);
     // Hands the structure (and its string) to the caller and leaves this variant empty.
     __util_Variant Detach();
-    void Clear();
+    void Clear() {
+        if ((m_data.vt & UTIL_VT_STRING_CLASS) != 0)
+            FreeString();
+        Reset();
+    }
 
     // Converts in place, or (with source) replaces this value by source converted to type.
     bool ChangeType(VariantType type, const __util_Variant* source = nullptr);
@@ -179,6 +193,8 @@ private:
         m_data.ullVal = value;
     }
     void CopyFrom(const __util_Variant& other);
+    void FreeString();
+    Variant& AssignFrom(const Variant& other);
     void SetNarrow(const char* value);
     void SetWide(const wchar_t* value);
     template <typename T> T ConvertTo(VariantType type) const;

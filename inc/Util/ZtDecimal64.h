@@ -88,26 +88,19 @@ public:
     static ZtDecimal64 ScaleB(const ZtDecimal64& value, int n);
     static ZtDecimal64 FMA(const ZtDecimal64& a, const ZtDecimal64& b, const ZtDecimal64& c);
 
-    // Arithmetic. % is the truncating remainder (sign of the dividend), like fmod.
-    ZtDecimal64 operator+(const ZtDecimal64& rhs) const;
-    ZtDecimal64 operator-(const ZtDecimal64& rhs) const;
-    ZtDecimal64 operator*(const ZtDecimal64& rhs) const;
-    ZtDecimal64 operator/(const ZtDecimal64& rhs) const;
-    ZtDecimal64 operator%(const ZtDecimal64& rhs) const;
+    // Arithmetic and quiet comparison are free functions (below) taking values: a ZtDecimal64
+    // travels in a register, so each is a single jump into the library.
+    friend ZTUTIL_API ZtDecimal64 operator+(ZtDecimal64 lhs, ZtDecimal64 rhs);
+    friend ZTUTIL_API ZtDecimal64 operator-(ZtDecimal64 lhs, ZtDecimal64 rhs);
+    friend ZTUTIL_API ZtDecimal64 operator*(ZtDecimal64 lhs, ZtDecimal64 rhs);
+    friend ZTUTIL_API ZtDecimal64 operator/(ZtDecimal64 lhs, ZtDecimal64 rhs);
+    friend ZTUTIL_API ZtDecimal64 operator%(ZtDecimal64 lhs, ZtDecimal64 rhs);
     ZtDecimal64 operator-() const;
     ZtDecimal64& operator+=(const ZtDecimal64& rhs);
     ZtDecimal64& operator-=(const ZtDecimal64& rhs);
     ZtDecimal64& operator*=(const ZtDecimal64& rhs);
     ZtDecimal64& operator/=(const ZtDecimal64& rhs);
     ZtDecimal64& operator%=(const ZtDecimal64& rhs);
-
-    // Quiet comparisons: every comparison with a NaN is false except !=.
-    bool operator==(const ZtDecimal64& rhs) const;
-    bool operator!=(const ZtDecimal64& rhs) const;
-    bool operator<(const ZtDecimal64& rhs) const;
-    bool operator<=(const ZtDecimal64& rhs) const;
-    bool operator>(const ZtDecimal64& rhs) const;
-    bool operator>=(const ZtDecimal64& rhs) const;
 
     // Shared constants, built on first use.
     static const ZtDecimal64& Zero();
@@ -126,3 +119,18 @@ private:
 };
 
 static_assert(sizeof(ZtDecimal64) == 8, "ZtDecimal64 is one 64-bit word");
+
+// Arithmetic, rounded to 16 digits. % is the truncating remainder (sign of the dividend).
+ZTUTIL_API ZtDecimal64 operator+(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API ZtDecimal64 operator-(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API ZtDecimal64 operator*(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API ZtDecimal64 operator/(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API ZtDecimal64 operator%(ZtDecimal64 lhs, ZtDecimal64 rhs);
+
+// Quiet comparisons: every comparison with a NaN is false except !=; -0 equals +0.
+ZTUTIL_API bool operator==(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API bool operator!=(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API bool operator<(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API bool operator<=(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API bool operator>(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API bool operator>=(ZtDecimal64 lhs, ZtDecimal64 rhs);

@@ -318,7 +318,7 @@ TEST(ParserPrint, ShowsValuesWhenAsked) {
     ASSERT_EQ(parser.Execute(result, symbols), Util::PNS_SUCCESS);
     EXPECT_EQ(std::string(parser.Print(symbols, Util::EPPV_PRINT_VALUES).c_str()),
               "Assign (1)\n"
-              "  Variable total (undefined)\n"
+              "  Variable total (1)\n"
               "  AND (true)\n"
               "    GT (true)\n"
               "      Variable a (10)\n"
