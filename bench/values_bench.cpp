@@ -170,6 +170,40 @@ void BM_Peer_AddRemovePair8to64(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
 }
 
+// A batch: 1000 strings added, then all removed (a document's strings loaded and released).
+const size_t kBatch = 1000;
+
+void BM_Ours_AddThenRemove1000(benchmark::State& state) {
+    ChurnStrings strings;
+    Util::BlockStringCache cache;
+    std::vector<const char*> held(kBatch);
+    size_t next = 0;
+    for (auto _ : state) {
+        for (size_t i = 0; i < kBatch; ++i) {
+            held[i] = cache.AddString(strings[next++]);
+        }
+        for (size_t i = 0; i < kBatch; ++i) {
+            cache.RemoveString(held[i]);
+        }
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * kBatch));
+}
+
+void BM_Peer_AddThenRemove1000(benchmark::State& state) {
+    ChurnStrings strings;
+    std::vector<char*> held(kBatch);
+    size_t next = 0;
+    for (auto _ : state) {
+        for (size_t i = 0; i < kBatch; ++i) {
+            held[i] = strdup(strings[next++]);
+        }
+        for (size_t i = 0; i < kBatch; ++i) {
+            std::free(held[i]);
+        }
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * kBatch));
+}
+
 size_t HeapInUse() {
     struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
@@ -222,6 +256,8 @@ BENCHMARK(BM_Ours_AddRemove8to64);
 BENCHMARK(BM_Peer_AddRemove8to64);
 BENCHMARK(BM_Ours_AddRemovePair8to64);
 BENCHMARK(BM_Peer_AddRemovePair8to64);
+BENCHMARK(BM_Ours_AddThenRemove1000);
+BENCHMARK(BM_Peer_AddThenRemove1000);
 BENCHMARK(BM_Ours_Hold1M16)->Iterations(3)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Peer_Hold1M16)->Iterations(3)->Unit(benchmark::kMillisecond);
 

@@ -96,6 +96,8 @@ Base64Coder& Base64Coder::operator=(const Base64Coder& other) {
     m_nDBufLen = d ? other.m_nDBufLen : 0;
     m_nEDataLen = e ? other.m_nEDataLen : 0;
     m_nDDataLen = d ? other.m_nDDataLen : 0;
+    m_nEDirty = e ? other.m_nEDirty : 0;
+    m_nDDirty = d ? other.m_nDDirty : 0;
     m_pInput = other.m_pInput;
     m_nInputLen = other.m_nInputLen;
     return *this;
@@ -115,11 +117,11 @@ const unsigned char* Base64Coder::DecodedMessage() const {
     return m_pDBuffer ? m_pDBuffer : kEmpty;
 }
 
-bool Base64Coder::Grow(unsigned char*& buffer, size_t& capacity, size_t n) {
-    if (capacity >= n && buffer != nullptr) {
-        return true;
-    }
-    if (capacity >= n) { // n == 0 and nothing allocated yet: nothing to grow
+// Buffers are kept zero beyond their "dirty" mark, so that zeroing costs only what was written
+// since: a fresh buffer comes zeroed from calloc, and a result only needs the rest of what the
+// previous one left behind cleared.
+bool Base64Coder::Grow(unsigned char*& buffer, size_t& capacity, size_t& dirty, size_t n) {
+    if (capacity >= n) {
         return true;
     }
     if (n > SIZE_MAX - kBufferGranule) {
@@ -133,29 +135,37 @@ bool Base64Coder::Grow(unsigned char*& buffer, size_t& capacity, size_t n) {
     std::free(buffer);
     buffer = p;
     capacity = size;
+    dirty = 0;
     return true;
+}
+
+void Base64Coder::Settle(unsigned char* buffer, size_t& dirty, size_t length) {
+    if (buffer != nullptr && dirty > length) {
+        std::memset(buffer + length, 0, dirty - length);
+    }
+    dirty = length;
+}
+
+// A step may touch up to one group's bytes beyond what it reports (a variant that writes three
+// bytes and counts two); clearing those too keeps the result zero-terminated whatever it does.
+void Base64Coder::MarkWritten(size_t& dirty, size_t capacity, size_t length) {
+    size_t reach = length + 4 < capacity ? length + 4 : capacity;
+    if (dirty < reach) {
+        dirty = reach;
+    }
 }
 
 bool Base64Coder::AllocEncode(size_t n) {
     m_nEDataLen = 0;
-    if (!Grow(m_pEBuffer, m_nEBufLen, n)) {
-        if (m_pEBuffer != nullptr) {
-            std::memset(m_pEBuffer, 0, m_nEBufLen);
-        }
-        return false;
-    }
-    if (m_pEBuffer != nullptr) {
-        std::memset(m_pEBuffer, 0, m_nEBufLen);
-    }
-    return true;
+    bool grown = Grow(m_pEBuffer, m_nEBufLen, m_nEDirty, n);
+    Settle(m_pEBuffer, m_nEDirty, 0);
+    return grown;
 }
 
 bool Base64Coder::AllocDecode(size_t n) {
     m_nDDataLen = 0;
-    bool grown = Grow(m_pDBuffer, m_nDBufLen, n);
-    if (m_pDBuffer != nullptr) {
-        std::memset(m_pDBuffer, 0, m_nDBufLen);
-    }
+    bool grown = Grow(m_pDBuffer, m_nDBufLen, m_nDDirty, n);
+    Settle(m_pDBuffer, m_nDDirty, 0);
     return grown;
 }
 
@@ -246,7 +256,10 @@ void Base64Coder::Encode(const unsigned char* bytes, size_t length) {
         length = 0;
     }
     SetDecodeBuffer(bytes, length);
-    if (length > (SIZE_MAX - 2 * kBufferGranule) / 2 || !AllocEncode(2 * length)) {
+    m_nEDataLen = 0;
+    if (length > (SIZE_MAX - 2 * kBufferGranule) / 2 ||
+        !Grow(m_pEBuffer, m_nEBufLen, m_nEDirty, 2 * length)) {
+        Settle(m_pEBuffer, m_nEDirty, 0);
         return;
     }
     size_t groups = length / 3;
@@ -266,6 +279,8 @@ void Base64Coder::Encode(const unsigned char* bytes, size_t length) {
         written += 4;
     }
     m_nEDataLen = written;
+    MarkWritten(m_nEDirty, m_nEBufLen, written);
+    Settle(m_pEBuffer, m_nEDirty, written);
 }
 
 void Base64Coder::DecodeGroups(const unsigned char* in, size_t length, unsigned char* out) {
@@ -273,6 +288,28 @@ void Base64Coder::DecodeGroups(const unsigned char* in, size_t length, unsigned 
     size_t pos = 0;
     size_t written = 0;
     TempBucket encoded;
+    if (bulk) {
+        // Two whole groups per round while neither holds padding.
+        while (length - pos >= 8) {
+            const unsigned char* p = in + pos;
+            uint32_t x = kDecodeLanes[0][p[0]] | kDecodeLanes[1][p[1]] | kDecodeLanes[2][p[2]] |
+                         kDecodeLanes[3][p[3]];
+            uint32_t y = kDecodeLanes[0][p[4]] | kDecodeLanes[1][p[5]] | kDecodeLanes[2][p[6]] |
+                         kDecodeLanes[3][p[7]];
+            if (((x | y) & kPadMark) != 0) {
+                break;
+            }
+            unsigned char* o = out + written;
+            o[0] = static_cast<unsigned char>(x);
+            o[1] = static_cast<unsigned char>(x >> 8);
+            o[2] = static_cast<unsigned char>(x >> 16);
+            o[3] = static_cast<unsigned char>(y);
+            o[4] = static_cast<unsigned char>(y >> 8);
+            o[5] = static_cast<unsigned char>(y >> 16);
+            written += 6;
+            pos += 8;
+        }
+    }
     while (pos < length) {
         size_t take = length - pos < 4 ? length - pos : 4;
         if (bulk && take == 4) {
@@ -315,11 +352,15 @@ void Base64Coder::Decode(const unsigned char* bytes, size_t length) {
     }
     SetEncodeBuffer(bytes, length);
     // Three bytes per four characters, plus room for the terminating zero.
-    if (length > SIZE_MAX - 2 * kBufferGranule || !AllocDecode(length + 4)) {
+    m_nDDataLen = 0;
+    if (length > SIZE_MAX - 2 * kBufferGranule ||
+        !Grow(m_pDBuffer, m_nDBufLen, m_nDDirty, length + 4)) {
+        Settle(m_pDBuffer, m_nDDirty, 0);
         return;
     }
     DecodeGroups(bytes, length, m_pDBuffer);
-    m_pDBuffer[m_nDDataLen] = 0;
+    MarkWritten(m_nDDirty, m_nDBufLen, m_nDDataLen);
+    Settle(m_pDBuffer, m_nDDirty, m_nDDataLen);
 }
 
 void Base64Coder::Decode(const char* text) {

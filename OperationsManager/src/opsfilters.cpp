@@ -3,12 +3,12 @@
 #include <chrono>
 #include <cstring>
 #include <mutex>
-#include <regex>
 
 #include "OperationsManager/src/opsattributes.h"
 #include "OperationsManager/src/opsfilelist.h"
 #include "OperationsManager/src/opsinifile.h"
 #include "OperationsManager/src/opsplatform.h"
+#include "OperationsManager/src/opsregexfilter.h"
 #include "Util/OpsContext.h"
 
 namespace Util {
@@ -117,41 +117,6 @@ private:
     Ops::Level m_level;
 };
 
-class RegexFilter : public OpsFilter {
-public:
-    enum Field { kFile, kFunction, kSignature, kMessage };
-    RegexFilter(Field field, const std::string& pattern, std::regex regex)
-        : m_field(field), m_pattern(pattern), m_regex(std::move(regex)) {}
-    bool Matches(const OpsEvent& event) const override {
-        const char* subject = nullptr;
-        switch (m_field) {
-        case kFile:
-            subject = event.context.GetFile();
-            break;
-        case kFunction:
-            subject = event.context.GetFunction();
-            break;
-        case kSignature:
-            subject = event.context.GetSignature();
-            break;
-        case kMessage:
-            subject = event.text;
-            break;
-        }
-        return std::regex_search(subject ? subject : "", m_regex);
-    }
-    TString Describe() const override {
-        static const char* const names[] = {"FILE_NAME_FILTER", "FUNC_NAME_FILTER",
-                                            "FUNC_SIG_FILTER", "MESSAGE_FILTER"};
-        return TString((std::string(names[m_field]) + "(regexp=" + m_pattern + ")").c_str());
-    }
-
-private:
-    Field m_field;
-    std::string m_pattern;
-    std::regex m_regex;
-};
-
 // Matches while a value in an INI file equals the expected text, so that logging can be switched
 // on and off by editing a file while the application runs. The file is read again at most twice
 // a second, and only when it changed.
@@ -226,26 +191,6 @@ std::unique_ptr<OpsFilter> MakeLevelFilter(const AttributeSet& attributes, TStri
     return std::unique_ptr<OpsFilter>(new LevelFilter(level));
 }
 
-OpsFilterFactory MakeRegexFactory(RegexFilter::Field field, const char* keyword) {
-    return [field, keyword](const AttributeSet& attributes,
-                            TString& error) -> std::unique_ptr<OpsFilter> {
-        std::string pattern;
-        if (!GetTextAttribute(attributes, "regexp", pattern)) {
-            error = (std::string(keyword) + " needs the attribute \"regexp\"").c_str();
-            return nullptr;
-        }
-        try {
-            std::regex regex(pattern, std::regex::ECMAScript | std::regex::optimize);
-            return std::unique_ptr<OpsFilter>(new RegexFilter(field, pattern, std::move(regex)));
-        } catch (const std::regex_error& e) {
-            error = (std::string(keyword) + ": bad regular expression \"" + pattern + "\" (" +
-                     e.what() + ")")
-                        .c_str();
-            return nullptr;
-        }
-    };
-}
-
 std::unique_ptr<OpsFilter> MakeIniValueFilter(const AttributeSet& attributes, TString& error) {
     std::string file, group, expected;
     if (!GetTextAttribute(attributes, "file_name", file) ||
@@ -284,10 +229,11 @@ bool IsGroupKeyword(const char* keyword, OpsFilterGroup::Kind& kind) {
 void RegisterStandardFilters(std::map<std::string, OpsFilterFactory>& registry) {
     registry["EVENT_TYPE_FILTER"] = MakeEventTypeFilter;
     registry["LEVEL_FILTER"] = MakeLevelFilter;
-    registry["FILE_NAME_FILTER"] = MakeRegexFactory(RegexFilter::kFile, "FILE_NAME_FILTER");
-    registry["FUNC_NAME_FILTER"] = MakeRegexFactory(RegexFilter::kFunction, "FUNC_NAME_FILTER");
-    registry["FUNC_SIG_FILTER"] = MakeRegexFactory(RegexFilter::kSignature, "FUNC_SIG_FILTER");
-    registry["MESSAGE_FILTER"] = MakeRegexFactory(RegexFilter::kMessage, "MESSAGE_FILTER");
+    registry["FILE_NAME_FILTER"] = MakeRegexFilterFactory(RegexField::kFile, "FILE_NAME_FILTER");
+    registry["FUNC_NAME_FILTER"] =
+        MakeRegexFilterFactory(RegexField::kFunction, "FUNC_NAME_FILTER");
+    registry["FUNC_SIG_FILTER"] = MakeRegexFilterFactory(RegexField::kSignature, "FUNC_SIG_FILTER");
+    registry["MESSAGE_FILTER"] = MakeRegexFilterFactory(RegexField::kMessage, "MESSAGE_FILTER");
     registry["INI_VALUE_FILTER"] = MakeIniValueFilter;
     registry["NUM_LOCK_FILTER"] = [](const AttributeSet&, TString&) {
         return std::unique_ptr<OpsFilter>(new NumLockFilter());

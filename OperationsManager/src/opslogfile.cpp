@@ -1,7 +1,9 @@
 #include "OperationsManager/src/opslogfile.h"
 
+#include <charconv>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -37,6 +39,12 @@ const char* LocalSecondText(std::time_t second) {
         s_second = second;
     }
     return s_text;
+}
+
+template <typename Number> void AppendNumber(std::string& out, Number value) {
+    char digits[24];
+    const auto result = std::to_chars(digits, digits + sizeof digits, value);
+    out.append(digits, result.ptr);
 }
 
 } // namespace
@@ -108,17 +116,36 @@ bool OpsLogFile::WriteLine(const std::string& line) {
 std::string FormatLogLine(const OpsEvent& event, bool stripSourceInfo) {
     const auto now = std::chrono::system_clock::now();
     const std::time_t second = std::chrono::system_clock::to_time_t(now);
-    const long millis = static_cast<long>(
+    long millis = static_cast<long>(
         std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() %
         1000);
-    char head[160];
-    std::snprintf(head, sizeof head, "%s.%03ld [%lu:%lu] %s %s ", LocalSecondText(second),
-                  millis < 0 ? millis + 1000 : millis, CurrentProcessId(), CurrentThreadId(),
-                  Ops::MapLevelToLevelStr(event.level),
-                  Ops::MapEventTypeToEventTypeStr(event.type));
-    std::string line(head);
-    if (!stripSourceInfo)
-        line += event.context.GetVisualStudioPrefix().c_str();
+    if (millis < 0)
+        millis += 1000;
+    // Built by hand rather than with printf: this runs for every logged event.
+    std::string line;
+    line.reserve(128 + std::strlen(event.text));
+    line += LocalSecondText(second);
+    const char fraction[] = {
+        '.', char('0' + millis / 100), char('0' + millis / 10 % 10), char('0' + millis % 10), ' ',
+        '['};
+    line.append(fraction, sizeof fraction);
+    AppendNumber(line, CurrentProcessId());
+    line += ':';
+    AppendNumber(line, CurrentThreadId());
+    line += "] ";
+    line += Ops::MapLevelToLevelStr(event.level);
+    line += ' ';
+    line += Ops::MapEventTypeToEventTypeStr(event.type);
+    line += ' ';
+    if (!stripSourceInfo) {
+        // The same text as the context's "file (line) : " prefix, without caching a copy of it
+        // in a context that lives for this one event.
+        const char* file = event.context.GetFile();
+        line += file ? file : "";
+        line += " (";
+        AppendNumber(line, static_cast<long long>(static_cast<int>(event.context.GetLine())));
+        line += ") : ";
+    }
     const std::size_t textStart = line.size();
     line += event.text;
     for (std::size_t i = textStart; i < line.size(); ++i)

@@ -1,9 +1,11 @@
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <string>
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -12,8 +14,25 @@
 namespace Util {
 namespace OpsDetail {
 
+namespace {
+
+// getpid is a system call on current C libraries and log lines ask for it on every event, so the
+// value is kept, and forgotten in a forked child.
+std::atomic<unsigned long> g_pid{0};
+
+void ForgetPid() { g_pid.store(0, std::memory_order_relaxed); }
+
+} // namespace
+
 unsigned long CurrentProcessId() {
-    return static_cast<unsigned long>(::getpid());
+    unsigned long pid = g_pid.load(std::memory_order_relaxed);
+    if (pid == 0) {
+        static const int s_registered = ::pthread_atfork(nullptr, nullptr, ForgetPid);
+        (void)s_registered;
+        pid = static_cast<unsigned long>(::getpid());
+        g_pid.store(pid, std::memory_order_relaxed);
+    }
+    return pid;
 }
 
 unsigned long CurrentThreadId() {

@@ -78,14 +78,18 @@ private:
     bool UsesOwnSteps() const;
     void EncodeGroups(const unsigned char* in, size_t groups, unsigned char* out);
     void DecodeGroups(const unsigned char* in, size_t length, unsigned char* out);
-    bool Grow(unsigned char*& buffer, size_t& capacity, size_t n);
+    bool Grow(unsigned char*& buffer, size_t& capacity, size_t& dirty, size_t n);
+    static void Settle(unsigned char* buffer, size_t& dirty, size_t length);
+    static void MarkWritten(size_t& dirty, size_t capacity, size_t length);
 
     const unsigned char* m_pInput = nullptr;
     size_t m_nInputLen = 0;
     unsigned char* m_pEBuffer = nullptr;
     size_t m_nEBufLen = 0;
     size_t m_nEDataLen = 0;
+    size_t m_nEDirty = 0; // bytes at and beyond this index are zero
     unsigned char* m_pDBuffer = nullptr;
     size_t m_nDBufLen = 0;
     size_t m_nDDataLen = 0;
+    size_t m_nDDirty = 0;
 };

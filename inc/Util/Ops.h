@@ -217,7 +217,7 @@ public:
 private:
     friend Ops& GetOps();
     Ops();
-    virtual ~Ops();
+    ~Ops(); // never called: the manager lives until the process ends
 
     void VerifyFailed(const char* expression, const char* file, long line, const char* function,
                       const char* signature);

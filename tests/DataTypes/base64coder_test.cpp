@@ -149,6 +149,37 @@ TEST(Base64CoderBuffers, GrowToTheNextMultipleOf4096AndNeverShrink) {
     EXPECT_EQ(coder.EncodedMessage()[4], '\0');
     EXPECT_EQ(coder.EncodedMessage()[100], '\0');
 
+    // The same for decoding, also after a variant's step wrote more than it counted.
+    class Sloppy : public Base64Coder {
+    protected:
+        size_t _DecodeToBuffer(const TempBucket& encoded, unsigned char* p) override {
+            size_t n = Base64Coder::_DecodeToBuffer(encoded, p);
+            for (size_t i = n; i < 3; ++i) {
+                p[i] = 0xAA;
+            }
+            return n;
+        }
+    };
+    Sloppy sloppy;
+    sloppy.Decode("TQ==");
+    EXPECT_EQ(sloppy.DecodedMessage()[1], 0);
+    EXPECT_EQ(sloppy.DecodedMessage()[2], 0);
+    for (Base64Coder* c : {static_cast<Base64Coder*>(&coder), static_cast<Base64Coder*>(&sloppy)}) {
+        c->Encode(in.data(), in.size());
+        std::string text = c->EncodedMessage();
+        c->Decode(text.c_str());
+        ASSERT_EQ(c->GetDecodedSize(), in.size());
+        c->Decode("TQ==");
+        ASSERT_EQ(c->GetDecodedSize(), 1u);
+        for (size_t i = 1; i < in.size() + 8; ++i) {
+            ASSERT_EQ(c->DecodedMessage()[i], 0) << i;
+        }
+        ASSERT_TRUE(c->AllocEncode(1));
+        for (size_t i = 0; i < c->GetEncodeCapacity(); ++i) {
+            ASSERT_EQ(c->EncodedMessage()[i], '\0') << i;
+        }
+    }
+
     const struct {
         size_t request, capacity;
     } steps[] = {{1, 4096}, {4095, 4096}, {4096, 4096}, {4097, 8192}, {100, 8192}, {20000, 20480}};

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -196,6 +197,55 @@ TEST(BlockStringCacheCopy, CopiesTakeTheConfigurationOnly) {
     EXPECT_EQ(c.GetBlockSize(), 4096u);
     EXPECT_EQ(c.GetBlockCount(), 0u);
     EXPECT_EQ(c.GetAddCount(), 0u);
+}
+
+// The free list against the plain ordered multimap it stands for: the same chunks come out in
+// the same order, whatever the mix of sizes (both sides of the small/large boundary).
+TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
+    std::mt19937 rng(77);
+    // Listed chunks belong to the list (it may keep its links in them): keep them apart.
+    std::vector<std::unique_ptr<char[]>> memory;
+    Util::FreeList list;
+    std::multimap<size_t, char*> model;
+    auto fresh = [&memory](size_t size) {
+        memory.emplace_back(new char[size]);
+        return memory.back().get();
+    };
+    for (int step = 0; step < 30000; ++step) {
+        if (rng() % 2 == 0) {
+            size_t size = rng() % 4 == 0 ? 900 + rng() % 300 : 8 + rng() % 120;
+            if (rng() % 200 == 0) {
+                size = 65535;
+            }
+            char* p = fresh(size);
+            ASSERT_TRUE(list.Insert(p, size));
+            model.emplace(size, p);
+        } else {
+            size_t needed = 10 + rng() % (rng() % 8 == 0 ? 1500 : 100);
+            size_t size = 0;
+            char* got = list.TakeBestFitAndSplit(needed, 20, size);
+            auto it = model.lower_bound(needed);
+            if (it == model.end()) {
+                ASSERT_EQ(got, nullptr) << "step " << step;
+                continue;
+            }
+            char* start = it->second;
+            size_t found = it->first;
+            model.erase(it);
+            ASSERT_EQ(got, start) << "step " << step;
+            if (found - needed > 20) {
+                model.emplace(found - needed, start + needed);
+                ASSERT_EQ(size, needed);
+            } else {
+                ASSERT_EQ(size, found);
+            }
+        }
+        ASSERT_EQ(list.GetCount(), model.size());
+    }
+    std::vector<std::pair<size_t, char*>> listed;
+    list.ForEach([&listed](char* p, size_t size) { listed.emplace_back(size, p); });
+    const std::vector<std::pair<size_t, char*>> expected(model.begin(), model.end());
+    EXPECT_EQ(listed, expected);
 }
 
 // Many strings across many small blocks, checked against a plain map after every step.

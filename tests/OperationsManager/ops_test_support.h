@@ -148,12 +148,12 @@ protected:
 
 // Runs body in a freshly started copy of the test program, where operations have not begun.
 // The body returns an empty text on success, or what went wrong.
-#define OPS_IN_FRESH_PROCESS(body)                                                                 \
+#define OPS_IN_FRESH_PROCESS(...)                                                                  \
     do {                                                                                           \
         GTEST_FLAG_SET(death_test_style, "threadsafe");                                            \
         EXPECT_EXIT(                                                                               \
             {                                                                                      \
-                const std::string problem = (body)();                                              \
+                const std::string problem = (__VA_ARGS__)();                                       \
                 if (!problem.empty())                                                              \
                     std::fprintf(stderr, "%s\n", problem.c_str());                                 \
                 std::fflush(stderr);                                                               \

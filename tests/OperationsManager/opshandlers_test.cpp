@@ -1,3 +1,9 @@
+// GCC 12 reports a false "may be used uninitialized" inside libstdc++'s <regex> in sanitizer
+// builds.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+
 #include <regex>
 #include <unistd.h>
 
