@@ -110,15 +110,6 @@ Variant& Variant::AssignFrom(const Variant& other) {
     return *this;
 }
 
-Variant& Variant::operator=(Variant&& other) noexcept {
-    if (this != &other) {
-        Clear();
-        m_data = other.m_data;
-        other.Reset();
-    }
-    return *this;
-}
-
 Variant& Variant::operator=(const __util_Variant& other) {
     if (&other != &m_data) {
         // other may point into a string we hold (a shallow view of ourselves): copy first.

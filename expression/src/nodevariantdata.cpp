@@ -92,7 +92,10 @@ void NodeVariantData::ReleaseHeap() noexcept {
 }
 
 char* NodeVariantData::Reserve(std::size_t length) {
-    if (length + 1 > m_capacity) {
+    // The inline buffer takes texts shorter than its size less one; a heap block takes anything
+    // that fits it, so it is kept (with its capacity) until a longer text comes.
+    const bool fits = m_pString == m_inline ? length + 1 < kInlineSize : length + 1 <= m_capacity;
+    if (!fits) {
         char* block = new (std::nothrow) char[length + 1];
         if (block == nullptr)
             return nullptr;

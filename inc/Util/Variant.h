@@ -115,7 +115,14 @@ public:
         }
         return AssignFrom(other);
     }
-    Variant& operator=(Variant&& other) noexcept;
+    Variant& operator=(Variant&& other) noexcept {
+        if (this != &other) {
+            Clear();
+            m_data = other.m_data;
+            other.Reset();
+        }
+        return *this;
+    }
     Variant& operator=(const __util_Variant& other);
     Variant& operator=(const __util_Variant* other);
     Variant& operator=(int value);
