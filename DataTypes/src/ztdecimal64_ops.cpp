@@ -12,6 +12,11 @@
 static_assert(std::is_trivially_copyable<ZtDecimal64>::value && sizeof(ZtDecimal64) == 8,
               "ZtDecimal64 must travel like the library's 64-bit word");
 
+// The class is deliberately used as the C return type here: see above.
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
 extern "C" {
 ZtDecimal64 __bid64_add(ZtDecimal64, ZtDecimal64);
 ZtDecimal64 __bid64_sub(ZtDecimal64, ZtDecimal64);
@@ -19,6 +24,9 @@ ZtDecimal64 __bid64_mul(ZtDecimal64, ZtDecimal64);
 ZtDecimal64 __bid64_div(ZtDecimal64, ZtDecimal64);
 ZtDecimal64 __bid64_fmod(ZtDecimal64, ZtDecimal64);
 }
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 ZtDecimal64 operator+(ZtDecimal64 lhs, ZtDecimal64 rhs) {
     return __bid64_add(lhs, rhs);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Util/BalTypeUtils.h"
+#include "tests/OperationsManager/ops_test_support.h"
 
 TEST(DecimalPlaceOfLeftmostDigit, CountsWholeDigitsOrLeadingZeros) {
     const struct {
@@ -100,4 +101,54 @@ TEST(Float2String, WidensAndTrims) {
     EXPECT_STREQ(Float2String(buffer, sizeof buffer, 2.5f, 4), "2.5");
     EXPECT_STREQ(Float2String(buffer, sizeof buffer, -0.125f, 3), "-.125");
     EXPECT_STREQ(Float2String(buffer, sizeof buffer, 0.0f, 3), "0");
+}
+
+namespace {
+// Runs in a fresh process: begins operations, captures every event, and checks that each too
+// small buffer gave a verification and then the error message, from Double2String.
+std::string ReportTooSmallBuffer() {
+    OpsTest::TempDir dir;
+    OpsTest::TestContext context(dir.Path());
+    Util::GetOps().GetSubscriptionManager().RemoveAllSubscriptions();
+    Util::GetOps().BeginOperations(&context);
+    auto handler = OpsTest::Subscribe();
+    char buffer[5];
+    Double2String(buffer, sizeof buffer, 12345678.0, 4, true); // whole-number path
+    Double2String(buffer, sizeof buffer, 0.123456, 6, true);   // fixed-point path
+    Util::GetOps().EndOperations();
+
+    const struct {
+        Util::Ops::EventType type;
+        const char* text;
+    } expected[] = {
+        {Util::Ops::kVerify, "(strlen(tempResultStr) < (int)bufferSize) is false"},
+        {Util::Ops::kMessage, "Cannot Continue--The buffer passed into Float2String is too small."},
+        {Util::Ops::kVerify, "(strlen(tempResultStr) < bufferSize) is false"},
+        {Util::Ops::kMessage, "Cannot Continue--The buffer passed into Float2String is too small."},
+    };
+    std::vector<OpsTest::Captured> reports;
+    for (const OpsTest::Captured& e : handler->Events()) {
+        if (e.type == Util::Ops::kVerify || e.type == Util::Ops::kMessage) {
+            reports.push_back(e);
+        }
+    }
+    if (reports.size() != 4) {
+        return "expected 4 reports, got " + std::to_string(reports.size());
+    }
+    for (size_t i = 0; i < 4; ++i) {
+        if (reports[i].type != expected[i].type || reports[i].text != expected[i].text ||
+            reports[i].function != "Double2String") {
+            return "report " + std::to_string(i) + ": " + reports[i].text + " from " +
+                   reports[i].function;
+        }
+        if (reports[i].type == Util::Ops::kMessage && reports[i].level != Util::Ops::kLvlError) {
+            return "the message is not an error";
+        }
+    }
+    return "";
+}
+} // namespace
+
+TEST(Double2String, TooSmallBufferIsReportedAsVerificationAndMessage) {
+    OPS_IN_FRESH_PROCESS(ReportTooSmallBuffer);
 }
