@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <unistd.h>
 
@@ -20,8 +21,8 @@ namespace {
 
 std::string BenchDirectory() {
     static const std::string dir = [] {
-        auto path =
-            std::filesystem::temp_directory_path() / ("ops_bench_" + std::to_string(::getpid()));
+        auto path = std::filesystem::temp_directory_path() /
+                    ("ops_bench_" + std::to_string(std::random_device()()));
         std::filesystem::create_directories(path);
         return path.string();
     }();

@@ -21,12 +21,15 @@
 
 namespace OpsTest {
 
+// The test process's id (ops_test_platform_posix.cpp / _win.cpp).
+unsigned long ProcessId();
+
 class TempDir {
 public:
     TempDir() {
         static std::atomic<int> counter{0};
         m_path = std::filesystem::temp_directory_path() /
-                 ("ops_test_" + std::to_string(::getpid()) + "_" + std::to_string(counter++));
+                 ("ops_test_" + std::to_string(ProcessId()) + "_" + std::to_string(counter++));
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }

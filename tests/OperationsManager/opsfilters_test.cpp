@@ -195,3 +195,11 @@ TEST_F(OpsRunning, CustomFiltersAndHandlersCanBeRegistered) {
                     .Failed());
     EXPECT_EQ(GetOps().GetSubscriptionManager().RemoveSubscription("Odd"), 1u);
 }
+
+TEST_F(OpsRunning, IniFileNameIsRelativeToTheOperationsDirectory) {
+    m_dir.Write("OpsSwitches.ini", "[Ops]\nTrace=on\n");
+    auto filter = Make("INI_VALUE_FILTER", {"file_name", "OpsSwitches.ini", "group", "Ops\\Trace",
+                                            "expected_value", "on"});
+    ASSERT_TRUE(filter);
+    EXPECT_TRUE(Matches(*filter, Ops::kFuncEnter, Ops::kLvlNA));
+}

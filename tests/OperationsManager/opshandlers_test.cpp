@@ -5,7 +5,6 @@
 #endif
 
 #include <regex>
-#include <unistd.h>
 
 #include "OperationsManager/src/opslogfile.h"
 #include "tests/OperationsManager/ops_test_support.h"
@@ -43,7 +42,7 @@ TEST_F(OpsHandlers, LogLineCarriesTimeIdsKeywordsPrefixAndOneLineText) {
     GetOps().ReportEventA(Ops::kSendError, Ops::kLvlSevereError,
                           Util::SourceContext("mod/src/a.cpp", 31, "F", "void F()"),
                           "two\nlines\r");
-    const std::string pid = std::to_string(::getpid());
+    const std::string pid = std::to_string(ProcessId());
     const std::regex full(
         R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[)" + pid +
         R"(:\d+\] LVL_SEVERE_ERROR SEND_ERROR mod/src/a\.cpp \(31\) : two lines \n)");

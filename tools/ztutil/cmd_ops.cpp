@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <random>
 #include <sstream>
-#include <unistd.h>
 
 #include "Util/OpsContext.h"
 #include "Util/OpsMacros.h"
@@ -125,7 +125,7 @@ Util::Status LoadLedger(const char* name) {
 void DemoOps(std::ostream& out) {
     namespace fs = std::filesystem;
     const fs::path dir =
-        fs::temp_directory_path() / ("ztutil_ops_demo_" + std::to_string(::getpid()));
+        fs::temp_directory_path() / ("ztutil_ops_demo_" + std::to_string(std::random_device()()));
     fs::create_directories(dir);
     Ops& ops = Util::GetOps();
 

@@ -1,0 +1,11 @@
+#include <unistd.h>
+
+#include "tests/OperationsManager/ops_test_support.h"
+
+namespace OpsTest {
+
+unsigned long ProcessId() {
+    return static_cast<unsigned long>(::getpid());
+}
+
+} // namespace OpsTest

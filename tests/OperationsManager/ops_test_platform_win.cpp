@@ -1,0 +1,11 @@
+#include <windows.h>
+
+#include "tests/OperationsManager/ops_test_support.h"
+
+namespace OpsTest {
+
+unsigned long ProcessId() {
+    return ::GetCurrentProcessId();
+}
+
+} // namespace OpsTest
