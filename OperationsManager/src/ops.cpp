@@ -45,11 +45,12 @@ std::atomic<uint64_t> Ops::s_gate[2] = {{kAllPairsLow}, {kAllPairsHigh}};
 std::atomic<uint32_t> Ops::s_activeTypes{kAllTypes};
 std::atomic<uint32_t> Ops::s_activeLevels{kAllLevels};
 
+// The subscription-file managers, and the locks that keep them and the bridge consistent.
 struct Ops::FileManagers {
-    std::mutex mutex;
+    std::mutex mutex; // guards list and the bridge pointer
     std::vector<std::unique_ptr<OpsSubscriptionFileManager>> list;
-    std::atomic<bool> customBridge{false};
-    std::mutex refreshMutex;
+    std::atomic<bool> customBridge{false}; // a bridge other than the never-connected default
+    std::mutex refreshMutex;               // serialises RefreshActivity
 };
 
 struct Ops::PendingQueue {
