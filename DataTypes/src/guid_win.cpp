@@ -17,7 +17,8 @@ bool Create(GUID& guid, DWORD& error) {
 
 bool ToText(const GUID& guid, std::string& text) {
     RPC_CSTR str = nullptr;
-    if (::UuidToStringA(&guid, &str) != RPC_S_OK || str == nullptr) {
+    GUID copy = guid; // some SDKs declare the argument without const
+    if (::UuidToStringA(&copy, &str) != RPC_S_OK || str == nullptr) {
         return false;
     }
     text = reinterpret_cast<const char*>(str);

@@ -1,6 +1,8 @@
 // ztutil's value-type commands (base64, guid) and the "Value types" demo section.
 #include "tools/ztutil/registry.h"
 
+#include "tools/ztutil/cmd_values_stdio.h"
+
 #include "Util/Base64Coder.h"
 #include "Util/BlockStringCache.h"
 #include "Util/Guid.h"
@@ -133,6 +135,7 @@ int RunBase64(const std::vector<std::string>& args) {
     if (args.empty() || args.size() > 2 || (args[0] != "encode" && args[0] != "decode")) {
         return ztutil::UsageError(kBase64Usage, "expected encode or decode and at most one file");
     }
+    ztutil::UseBinaryStdio();
     Input in(args.size() == 2 ? args[1] : std::string());
     if (!in.IsOpen()) {
         std::cerr << "ztutil base64: cannot open " << args[1] << ": " << in.Error() << "\n";
