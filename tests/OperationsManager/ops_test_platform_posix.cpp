@@ -1,6 +1,6 @@
 #include <unistd.h>
 
-#include "tests/OperationsManager/ops_test_support.h"
+#include "tests/OperationsManager/ops_test_platform.h"
 
 namespace OpsTest {
 

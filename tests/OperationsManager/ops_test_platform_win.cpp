@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "tests/OperationsManager/ops_test_support.h"
+#include "tests/OperationsManager/ops_test_platform.h"
 
 namespace OpsTest {
 

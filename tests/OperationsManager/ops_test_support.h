@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -21,15 +22,13 @@
 
 namespace OpsTest {
 
-// The test process's id (ops_test_platform_posix.cpp / _win.cpp).
-unsigned long ProcessId();
-
 class TempDir {
 public:
     TempDir() {
         static std::atomic<int> counter{0};
         m_path = std::filesystem::temp_directory_path() /
-                 ("ops_test_" + std::to_string(ProcessId()) + "_" + std::to_string(counter++));
+                 ("ops_test_" + std::to_string(std::random_device()()) + "_" +
+                  std::to_string(counter++));
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }

@@ -7,6 +7,7 @@
 #include <regex>
 
 #include "OperationsManager/src/opslogfile.h"
+#include "tests/OperationsManager/ops_test_platform.h"
 #include "tests/OperationsManager/ops_test_support.h"
 
 using Util::AttributeSet;

@@ -1,0 +1,9 @@
+// What the operations-manager tests ask of the platform (ops_test_platform_posix.cpp / _win.cpp).
+#pragma once
+
+namespace OpsTest {
+
+// The test process's id, as log lines show it.
+unsigned long ProcessId();
+
+} // namespace OpsTest
