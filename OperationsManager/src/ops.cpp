@@ -61,6 +61,9 @@ struct Ops::PendingQueue {
     };
     mutable std::mutex mutex;
     std::deque<Entry> entries;
+    std::size_t capacity = 16384;
+    std::size_t dropped = 0;
+    std::atomic<bool> full{false};
 };
 
 Ops& GetOps() {
@@ -118,6 +121,20 @@ std::size_t Ops::GetPendingEventCount() const {
     return m_pPending->entries.size();
 }
 
+void Ops::SetPendingEventCapacity(std::size_t capacity) {
+    {
+        std::lock_guard<std::mutex> lock(m_pPending->mutex);
+        m_pPending->capacity = capacity;
+        m_pPending->full.store(m_pPending->entries.size() >= capacity, std::memory_order_relaxed);
+    }
+    RefreshActivity();
+}
+
+std::size_t Ops::GetPendingEventCapacity() const {
+    std::lock_guard<std::mutex> lock(m_pPending->mutex);
+    return m_pPending->capacity;
+}
+
 void Ops::RefreshActivity() noexcept {
     // Serialised so that the last refresh always publishes the latest state and subscriptions.
     std::lock_guard<std::mutex> lock(m_pFileManagers->refreshMutex);
@@ -125,7 +142,11 @@ void Ops::RefreshActivity() noexcept {
     const OpsEventMask wanted = m_pSubscriptionManager->GetEventMask();
     uint64_t low = kAllPairsLow, high = kAllPairsHigh;
     uint32_t types = kAllTypes, levels = kAllLevels;
-    if (state != kNotBegun) {
+    if (state == kNotBegun && m_pPending->full.load(std::memory_order_relaxed) &&
+        !m_pFileManagers->customBridge.load()) {
+        // Nothing more can be queued: skip early events before they are formatted.
+        low = high = 0;
+    } else if (state != kNotBegun) {
         types = wanted.Types();
         levels = wanted.Levels();
         if (state == kOperational) {
@@ -184,17 +205,30 @@ void Ops::BeginOperations(const OpsContext* context) {
 }
 
 void Ops::ReplayPending() {
+    std::size_t dropped = 0;
+    std::size_t capacity = 0;
     for (;;) {
         PendingQueue::Entry entry;
         {
             std::lock_guard<std::mutex> lock(m_pPending->mutex);
-            if (m_pPending->entries.empty())
-                return;
+            if (m_pPending->entries.empty()) {
+                dropped = m_pPending->dropped;
+                capacity = m_pPending->capacity;
+                m_pPending->dropped = 0;
+                m_pPending->full.store(false, std::memory_order_relaxed);
+                break;
+            }
             entry = std::move(m_pPending->entries.front());
             m_pPending->entries.pop_front();
         }
         if (IsEventActive(entry.type) && (entry.type != kMessage || IsLevelActive(entry.level)))
             ReportEventHelper(entry.type, entry.level, entry.context, entry.text.c_str(), nullptr);
+    }
+    if (dropped != 0) {
+        Message(SourceContext(__FILE__, __LINE__, __func__, "void Util::Ops::ReplayPending()"),
+                kLvlWarning,
+                "%lu events reported before operations began were dropped: the queue holds %lu",
+                static_cast<unsigned long>(dropped), static_cast<unsigned long>(capacity));
     }
 }
 
@@ -245,12 +279,20 @@ bool Ops::Dispatch(EventType type, Level level, const SourceContext& context, co
                 return false;
             }
         }
-        std::lock_guard<std::mutex> lock(m_pPending->mutex);
+        std::unique_lock<std::mutex> lock(m_pPending->mutex);
         const int state = m_state.load(std::memory_order_acquire);
         if (state == kEnded)
             return false;
         if (state == kNotBegun) {
-            m_pPending->entries.push_back(PendingQueue::Entry{type, level, context, message});
+            if (m_pPending->entries.size() < m_pPending->capacity) {
+                m_pPending->entries.push_back(PendingQueue::Entry{type, level, context, message});
+                return false;
+            }
+            ++m_pPending->dropped;
+            if (!m_pPending->full.exchange(true, std::memory_order_relaxed)) {
+                lock.unlock();
+                RefreshActivity(); // closes the gate until operations begin
+            }
             return false;
         }
         // Operations began while we were deciding: handle the event instead of queueing it.

@@ -107,6 +107,17 @@ public:
     static void Print(ExpressParseNode* root, PrintTheNode& printer,
                       const SymbolLookupValues& symbols, const char* label);
 
+    // Evaluate: recursion for shallow trees, handing deep or unusual subtrees to EvaluateDeep,
+    // which walks with explicit stacks only.
+    static NodeVariantData& EvaluateDeep(ExpressParseNode* root, Kind kind,
+                                         const SymbolLookupValues& symbols);
+    static const NodeVariantData& EvaluateShallow(ExpressParseNode* node, Kind kind, bool noTable,
+                                                  const SymbolLookupValues& symbols, int depth);
+    static inline const NodeVariantData& EvaluateChild(ExpressParseNode* child, bool noTable,
+                                                       const SymbolLookupValues& symbols,
+                                                       int depth);
+    static void ApplyBinary(Kind kind, ExpressParseNode* node, const NodeVariantData& left,
+                            const NodeVariantData& right);
     static void LookUpVariable(VarNode* node, bool noTable, const SymbolLookupValues& symbols);
     static bool IsPlainNumber(const NodeVariantData& value) {
         return value.m_status == PNS_SUCCESS &&

@@ -136,10 +136,153 @@ void ParseTreeEngine::LookUpVariable(VarNode* node, bool noTable,
     }
 }
 
-// One pass over the tree in evaluation order. Frames say which node is being worked on and how
-// far; values holds the results of finished children (pointers into the nodes' own values).
+void ParseTreeEngine::ApplyBinary(Kind kind, ExpressParseNode* node, const NodeVariantData& left,
+                                  const NodeVariantData& right) {
+    if (IsPlainNumber(left) && IsPlainNumber(right)) {
+        CombineNumbers(kind, node, left, right);
+        return;
+    }
+    NodeVariantData& value = node->m_value;
+    switch (kind) {
+    case kAdd:
+        value = left + right;
+        break;
+    case kSub:
+        value = left - right;
+        break;
+    case kMult:
+        value = left * right;
+        break;
+    case kDivide:
+        value = left / right;
+        break;
+    default:
+        switch (static_cast<CompNode*>(node)->GetCompareType()) {
+        case CT_LESS:
+            value = left < right;
+            break;
+        case CT_LESS_EQUAL:
+            value = left <= right;
+            break;
+        case CT_GREATER:
+            value = left > right;
+            break;
+        case CT_GREATER_EQUAL:
+            value = left >= right;
+            break;
+        case CT_EQUAL:
+            value = left == right;
+            break;
+        default:
+            value = left != right;
+            break;
+        }
+        break;
+    }
+}
+
+namespace {
+
+// How deep the recursive evaluation may go before it hands a subtree to the explicit-stack walk:
+// enough for every formula people write, small enough that the C++ stack never notices.
+const int kMaxRecursion = 48;
+
+} // namespace
+
+// Evaluates the common kinds of node by plain recursion, bounded by kMaxRecursion; calls,
+// aliases, assignments and anything deeper go to EvaluateDeep, which never comes back here, so
+// the recursion stays bounded whatever the tree.
+const NodeVariantData& ParseTreeEngine::EvaluateShallow(ExpressParseNode* node, Kind kind,
+                                                        bool noTable,
+                                                        const SymbolLookupValues& symbols,
+                                                        int depth) {
+    NodeVariantData& value = node->m_value;
+    switch (kind) {
+    case kNum:
+    case kString:
+        return value;
+    case kVar:
+        LookUpVariable(static_cast<VarNode*>(node), noTable, symbols);
+        return value;
+    case kAdd:
+    case kSub:
+    case kMult:
+    case kDivide:
+    case kCompare: {
+        auto* bin = static_cast<BinNode*>(node);
+        const NodeVariantData& left = EvaluateChild(bin->m_pLeft, noTable, symbols, depth);
+        const NodeVariantData& right = EvaluateChild(bin->m_pRight, noTable, symbols, depth);
+        ApplyBinary(kind, node, left, right);
+        return value;
+    }
+    case kAnd:
+    case kOr: {
+        auto* bin = static_cast<BinNode*>(node);
+        const NodeVariantData& left = EvaluateChild(bin->m_pLeft, noTable, symbols, depth);
+        if (left.HasError()) {
+            value = left;
+            return value;
+        }
+        const bool decided = kind == kAnd ? left.GetLong() == 0 : left.GetLong() != 0;
+        if (decided) {
+            value = kind == kAnd ? 0 : 1; // the right side is never looked at
+            return value;
+        }
+        const NodeVariantData& right = EvaluateChild(bin->m_pRight, noTable, symbols, depth);
+        if (right.HasError())
+            value = right;
+        else
+            value = right.GetLong() != 0 ? 1 : 0;
+        return value;
+    }
+    case kUMinus:
+    case kNot: {
+        const NodeVariantData& operand =
+            EvaluateChild(static_cast<UnaryNode*>(node)->m_pChild, noTable, symbols, depth);
+        if (kind == kUMinus)
+            value = -operand;
+        else if (operand.HasError())
+            value = operand;
+        else
+            value = operand.GetLong() == 0 ? 1 : 0;
+        return value;
+    }
+    default:
+        return EvaluateDeep(node, kind, symbols);
+    }
+}
+
+inline const NodeVariantData& ParseTreeEngine::EvaluateChild(ExpressParseNode* child, bool noTable,
+                                                             const SymbolLookupValues& symbols,
+                                                             int depth) {
+    if (child == nullptr)
+        return EmptyValue();
+    const Kind kind = ClassifyExact(child);
+    if (kind == kNum || kind == kString)
+        return child->m_value;
+    if (kind == kVar) {
+        LookUpVariable(static_cast<VarNode*>(child), noTable, symbols);
+        return child->m_value;
+    }
+    if (kind == kForeign)
+        return child->Calc(symbols);
+    if (depth >= kMaxRecursion)
+        return EvaluateDeep(child, kind, symbols);
+    return EvaluateShallow(child, kind, noTable, symbols, depth + 1);
+}
+
 NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind,
                                            const SymbolLookupValues& symbols) {
+    if (rootKind == kForeign)
+        return root->m_value;
+    EvaluateShallow(root, rootKind, IsNoTable(symbols), symbols, 0);
+    return root->m_value;
+}
+
+// One pass over the tree in evaluation order. Frames say which node is being worked on and how
+// far; values holds the results of finished children (pointers into the nodes' own values).
+NodeVariantData& ParseTreeEngine::EvaluateDeep(ExpressParseNode* root, Kind rootKind,
+                                               const SymbolLookupValues& symbols) {
     if (rootKind == kForeign)
         return root->m_value;
 
@@ -211,47 +354,7 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
             values.pop_back();
             const NodeVariantData& left = *values.back();
             values.pop_back();
-            if (IsPlainNumber(left) && IsPlainNumber(right)) {
-                CombineNumbers(frame.kind, node, left, right);
-                finish(node);
-                break;
-            }
-            switch (frame.kind) {
-            case kAdd:
-                value = left + right;
-                break;
-            case kSub:
-                value = left - right;
-                break;
-            case kMult:
-                value = left * right;
-                break;
-            case kDivide:
-                value = left / right;
-                break;
-            default:
-                switch (static_cast<CompNode*>(node)->GetCompareType()) {
-                case CT_LESS:
-                    value = left < right;
-                    break;
-                case CT_LESS_EQUAL:
-                    value = left <= right;
-                    break;
-                case CT_GREATER:
-                    value = left > right;
-                    break;
-                case CT_GREATER_EQUAL:
-                    value = left >= right;
-                    break;
-                case CT_EQUAL:
-                    value = left == right;
-                    break;
-                default:
-                    value = left != right;
-                    break;
-                }
-                break;
-            }
+            ApplyBinary(frame.kind, node, left, right);
             finish(node);
             break;
         }

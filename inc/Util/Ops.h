@@ -207,6 +207,12 @@ public:
 
     // Number of events waiting for BeginOperations.
     std::size_t GetPendingEventCount() const;
+    // At most this many events wait for BeginOperations (16384 unless changed). Once the queue
+    // is full, later early events are counted and dropped without being formatted, and
+    // BeginOperations reports how many were lost as a warning; this keeps a process that never
+    // begins operations (a tool, a test program) from collecting every entry and exit forever.
+    void SetPendingEventCapacity(std::size_t capacity);
+    std::size_t GetPendingEventCapacity() const;
 
     // Recomputes the activity sets; the subscription manager calls this after every change.
     void RefreshActivity() noexcept;

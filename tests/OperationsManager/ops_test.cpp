@@ -269,3 +269,39 @@ TEST_F(OpsRunning, MacrosCarryTheSourceContext) {
     for (const Captured& e : events)
         EXPECT_EQ(e.function, "TestBody");
 }
+
+TEST(OpsLifecycle, AFullQueueDropsEarlyEventsAndSaysSoAtBegin) {
+    OPS_IN_FRESH_PROCESS([]() -> std::string {
+        Ops& ops = GetOps();
+        const std::size_t already = ops.GetPendingEventCount();
+        ops.SetPendingEventCapacity(already + 3);
+        for (int i = 0; i < 5; ++i)
+            ops.ReportEventA(Ops::kCheckpoint, Ops::kLvlNA, kHere, "early");
+        if (ops.GetPendingEventCount() != already + 3)
+            return "the queue grew past its capacity";
+        if (Ops::IsEventLevelActive(Ops::kFuncEnter, Ops::kLvlNA))
+            return "a full queue still lets events be formatted";
+        if (!ops.IsEventActive(Ops::kFuncEnter))
+            return "every type must stay active before operations begin";
+        ZT_MESSAGE(Ops::kLvlError, "skipped %d", 1); // gated off: not even counted
+
+        auto all = Subscribe();
+        TempDir dir;
+        TestContext context(dir.Path());
+        ops.BeginOperations(&context);
+        const auto events = all->Events();
+        if (events.empty())
+            return "nothing replayed";
+        const Captured& last = events.back();
+        if (last.level != Ops::kLvlWarning ||
+            last.text != "2 events reported before operations began were dropped: the queue "
+                         "holds " +
+                             std::to_string(already + 3))
+            return "no warning about the dropped events, last was: " + last.text;
+        ops.EndOperations();
+        ops.BeginOperations(&context);
+        if (!Ops::IsEventLevelActive(Ops::kFuncEnter, Ops::kLvlNA))
+            return "the gate stayed closed after the queue drained";
+        return "";
+    });
+}

@@ -92,6 +92,7 @@ TEST(OpsThreads, NoLineIsLostOrTornWhileSubscriptionsChange) {
     OPS_IN_FRESH_PROCESS([]() -> std::string {
         TempDir dir;
         TestContext context(dir.Path(), true);
+        GetOps().SetPendingEventCapacity(std::size_t(1) << 20); // room for every early event
         std::atomic<bool> done{false};
         // Workers start before operations begin: their first events are queued and replayed.
         std::thread workers(RunWorkers, std::ref(done));
