@@ -22,6 +22,7 @@ BID_UINT64 Trunc(BID_UINT64 x) {
 const ZtDecimal64 ZtDecimal64::m_internal_zero(ZtDecimal64::kZeroBits, ZtDecimal64::Raw);
 
 ZtDecimal64::ZtDecimal64(int value) : m_value(bid64_from_int32(value)) {}
+ZtDecimal64::ZtDecimal64(long value) : m_value(bid64_from_int64(static_cast<long long>(value))) {}
 ZtDecimal64::ZtDecimal64(long long value) : m_value(bid64_from_int64(value)) {}
 ZtDecimal64::ZtDecimal64(double value) : m_value(binary64_to_bid64(value)) {}
 ZtDecimal64::ZtDecimal64(const char* text) : m_value(kZeroBits) {

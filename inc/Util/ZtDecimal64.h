@@ -28,6 +28,7 @@ public:
 
     ZtDecimal64() : m_value(kZeroBits) {}
     ZtDecimal64(int value);
+    ZtDecimal64(long value); // so that a long (LONG on Windows) is not ambiguous
     ZtDecimal64(long long value);
     ZtDecimal64(double value);
     ZtDecimal64(const char* text);

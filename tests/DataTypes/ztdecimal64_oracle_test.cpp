@@ -71,6 +71,9 @@ std::string Compute(const std::vector<std::string>& f) {
     if (op == "div") {
         return Hex(arg(1) / arg(2));
     }
+    if (op == "rem") {
+        return Hex(arg(1) % arg(2));
+    }
     if (op == "fma") {
         return Hex(ZtDecimal64::FMA(arg(1), arg(2), arg(3)));
     }

@@ -50,6 +50,7 @@ TEST(ZtDecimal64Construct, EveryConstructorAndSetterGivesTheLibrarysTextForm) {
     const Case cases[] = {
         {ZtDecimal64(12), "+12E+0"},
         {ZtDecimal64(-7LL), "-7E+0"},
+        {ZtDecimal64(-2147483649L), "-2147483649E+0"},
         {ZtDecimal64("12.34"), "+1234E-2"},
         {ZtDecimal64("1E3"), "+1E+3"},
         {ZtDecimal64(nullptr), "+0E+0"},
