@@ -119,7 +119,14 @@ Status BlockStringCache::AllocateNewBlock() {
                          "Util::Status Util::BlockStringCache::AllocateNewBlock()");
         return VALUES_REPORT(Status::GetAllocFailed());
     }
-    AddBufferToFreeList(pNewBlock, m_blockSize);
+    // A block the free list cannot take (one too small for any string) would only pile up.
+    if (!AddBufferToFreeList(pNewBlock, m_blockSize)) {
+        m_blocks.erase(pNewBlock);
+        std::free(pNewBlock);
+        VALUES_LOCAL_OPS("Util::BlockStringCache::AllocateNewBlock",
+                         "Util::Status Util::BlockStringCache::AllocateNewBlock()");
+        return VALUES_REPORT(Status::GetAllocFailed());
+    }
     return Status::GetSucceeded();
 }
 

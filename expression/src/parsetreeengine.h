@@ -1,7 +1,10 @@
-// The tree walks behind the parse nodes' virtual functions. Each walk keeps its own explicit
-// stacks (inline for small trees, on the heap beyond), so the depth of a tree never reaches the
-// C++ call stack. Nodes of classes derived outside the library are handed to their own virtual
-// functions, which recurse only as deep as their own subtrees.
+// The tree walks behind the parse nodes' virtual functions. Copying, printing, listing and
+// deleting keep their own explicit stacks (inline for small trees, on the heap beyond), so the
+// depth of a tree never becomes depth of C++ calls. Evaluation recurses through the first levels
+// of a tree, which is fastest for the formulas people write, and hands anything deeper (and calls,
+// aliases and assignments) to an explicit-stack walk that never recurses back. Nodes of classes
+// derived outside the library are handed to their own virtual functions, which recurse only as
+// deep as their own subtrees.
 #pragma once
 
 #include <cstddef>

@@ -3,8 +3,9 @@
 //
 // Contract: a node owns its children and computes its value (Calc) into the NodeVariantData it
 // owns, returning a reference to it; failures travel as statuses inside the values, never as
-// exceptions. Calc, CopyNode, GetVariableList, Print and the destructors walk trees with explicit
-// stacks, so trees of any depth (hundreds of thousands of levels) are safe; nodes of classes
+// exceptions. CopyNode, GetVariableList, Print and the destructors walk trees with explicit
+// stacks, and Calc recurses at most 48 levels before continuing with explicit stacks, so trees of
+// any depth (hundreds of thousands of levels) are safe; nodes of classes
 // derived outside the library are handled through their own virtual functions. A node with a
 // missing child (null) treats it as a value of type none. A tree is used by one thread at a time
 // (evaluation writes the values held in its nodes).

@@ -88,6 +88,20 @@ TEST(BlockStringCacheAdd, BoundaryLengthsOfTheDefaultBlock) {
     }
 }
 
+TEST(BlockStringCacheAdd, BlocksTooSmallForAnyStringAreNotKept) {
+    for (unsigned size : {0u, 1u, 5u, 9u}) {
+        BlockStringCache cache(size);
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(cache.AddString("a"), nullptr) << size;
+        }
+        EXPECT_LE(cache.GetBlockCount(), 1u) << size;
+    }
+    BlockStringCache smallest(10);
+    EXPECT_STREQ(smallest.AddString("a"), "a");
+    EXPECT_STREQ(smallest.AddString("b"), "b");
+    EXPECT_EQ(smallest.GetBlockCount(), 2u);
+}
+
 TEST(BlockStringCacheAdd, FailsWhenNotInitialised) {
     BlockStringCache cache;
     ASSERT_TRUE(cache.FreeCache().Succeeded());
