@@ -54,7 +54,14 @@ std::vector<std::string> ReadLines(const std::string& log, std::string& problem)
             break;
         }
         const std::string text = log.substr(start, end - start);
+        static const std::regex dropped(R"(.* LVL_WARNING MESSAGE OperationsManager/src/ops\.cpp )"
+                                        R"(\(\d+\) : \d+ events reported before operations )"
+                                        R"(began were dropped: the queue holds \d+)");
         std::smatch match;
+        if (std::regex_match(text, dropped)) { // a full queue while operations restart
+            start = end + 1;
+            continue;
+        }
         if (!std::regex_match(text, match, line)) {
             problem = "torn or malformed line: " + text;
             break;
