@@ -85,8 +85,12 @@ void EvaluatePeer(benchmark::State& state, const char* text) {
         benchmark::DoNotOptimize(parser.Eval());
 }
 
-void BM_Ours_EvalArith(benchmark::State& state) { EvaluateOurs(state, kArith, NumberSymbols()); }
-void BM_Peer_EvalArith(benchmark::State& state) { EvaluatePeer(state, kArith); }
+void BM_Ours_EvalArith(benchmark::State& state) {
+    EvaluateOurs(state, kArith, NumberSymbols());
+}
+void BM_Peer_EvalArith(benchmark::State& state) {
+    EvaluatePeer(state, kArith);
+}
 
 void BM_Ours_EvalCompareChain(benchmark::State& state) {
     EvaluateOurs(state, kChain, NumberSymbols());
