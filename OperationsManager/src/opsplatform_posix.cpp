@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <string>
 #include <pthread.h>
+#include <string>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -20,7 +20,9 @@ namespace {
 // value is kept, and forgotten in a forked child.
 std::atomic<unsigned long> g_pid{0};
 
-void ForgetPid() { g_pid.store(0, std::memory_order_relaxed); }
+void ForgetPid() {
+    g_pid.store(0, std::memory_order_relaxed);
+}
 
 } // namespace
 
