@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 
+#include "OperationsManager/src/opsfactorylookup.h"
 #include "OperationsManager/src/opshandlers.h"
 #include "Util/OpsSubscriptionManager.h"
 
@@ -55,23 +56,8 @@ OpsMessageHandlerManager::CreateHandler(const char* keyword, const AttributeSet&
         error = "No handler keyword";
         return nullptr;
     }
-    OpsHandlerFactory factory;
-    {
-        std::lock_guard<std::mutex> lock(m_pRegistry->mutex);
-        const auto it = m_pRegistry->handlers.find(keyword);
-        if (it != m_pRegistry->handlers.end())
-            factory = it->second;
-    }
-    if (!factory) {
-        error = (std::string("Unknown handler \"") + keyword + "\"").c_str();
-        return nullptr;
-    }
-    try {
-        return factory(attributes, error);
-    } catch (const std::exception& e) {
-        error = (std::string(keyword) + ": " + e.what()).c_str();
-        return nullptr;
-    }
+    return OpsDetail::CreateFromRegistry(m_pRegistry->mutex, m_pRegistry->handlers, keyword,
+                                         "handler", attributes, error);
 }
 
 bool OpsMessageHandlerManager::HandleMessage(Ops::EventType type, Ops::Level level,

@@ -3,6 +3,7 @@
 #include <map>
 #include <string>
 
+#include "OperationsManager/src/opsfactorylookup.h"
 #include "OperationsManager/src/opsfilters.h"
 #include "Util/OpsMessageHandlerManager.h"
 
@@ -48,23 +49,8 @@ std::unique_ptr<OpsFilter> OpsSubscriptionManager::CreateFilter(const char* keyw
     OpsFilterGroup::Kind kind;
     if (OpsDetail::IsGroupKeyword(keyword, kind))
         return std::unique_ptr<OpsFilter>(new OpsFilterGroup(kind));
-    OpsFilterFactory factory;
-    {
-        std::lock_guard<std::mutex> lock(m_pRegistry->mutex);
-        const auto it = m_pRegistry->filters.find(keyword);
-        if (it != m_pRegistry->filters.end())
-            factory = it->second;
-    }
-    if (!factory) {
-        error = (std::string("Unknown filter \"") + keyword + "\"").c_str();
-        return nullptr;
-    }
-    try {
-        return factory(attributes, error);
-    } catch (const std::exception& e) {
-        error = (std::string(keyword) + ": " + e.what()).c_str();
-        return nullptr;
-    }
+    return OpsDetail::CreateFromRegistry(m_pRegistry->mutex, m_pRegistry->filters, keyword,
+                                         "filter", attributes, error);
 }
 
 Status OpsSubscriptionManager::AddSubscription(const char* name, const char* handlerKeyword,
