@@ -320,7 +320,7 @@ bool Ops::MessageV(const SourceContext& context, Level level, const char* format
         !(IsEventActive(kMessage) && IsLevelActive(level)))
         return false;
     ErrorStateGuard errorState;
-    const std::string text = OpsDetail::FormatV(format, args);
+    const OpsDetail::FormattedText text(format, args);
     return ReportEventHelper(kMessage, level, context, text.c_str(), format);
 }
 
@@ -375,7 +375,7 @@ bool Ops::AssertFunctor::ProcessAssertMessage(bool report, const char*& format, 
     ErrorStateGuard errorState;
     if (format == nullptr)
         format = "Assert/Verify failed with no error message";
-    const std::string text = OpsDetail::FormatV(format, args);
+    const OpsDetail::FormattedText text(format, args);
     return m_ops.ReportEventA(m_type, kLvlNA, m_context, text.c_str());
 }
 
@@ -397,7 +397,7 @@ bool Ops::MessageFunctor::operator()(const char* format, ...) {
     ErrorStateGuard errorState;
     va_list args;
     va_start(args, format);
-    const std::string text = OpsDetail::FormatV(format, args);
+    const OpsDetail::FormattedText text(format, args);
     va_end(args);
     return m_ops.ReportEventHelper(m_type, m_level, m_context, text.c_str(), format);
 }

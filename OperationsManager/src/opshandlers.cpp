@@ -1,5 +1,6 @@
 #include "OperationsManager/src/opshandlers.h"
 
+#include <atomic>
 #include <mutex>
 
 #include "OperationsManager/src/opsattributes.h"
@@ -30,13 +31,12 @@ public:
         : m_fileName(std::move(fileName)), m_strip(strip) {}
 
     bool HandleMessage(const OpsEvent& event) override {
-        std::call_once(m_once, [this] {
-            TString directory;
-            if (const OpsContext* context = GetOps().GetOpsContext())
-                context->GetOpsLogDirectory(directory);
-            m_file = OpsLogFile::Get(JoinPath(directory.c_str(), m_fileName));
-        });
-        return m_file->WriteLine(FormatLogLine(event, m_strip));
+        OpsLogFile* file = m_pFile.load(std::memory_order_acquire);
+        if (file == nullptr)
+            file = FindFile();
+        LogLine line;
+        FormatLogLine(event, m_strip, line);
+        return file->WriteLine(line.Data(), line.Size());
     }
     TString GetKey() const override {
         return Text("LOG_TO_FILE|" + m_fileName + (m_strip ? "|strip" : ""));
@@ -47,10 +47,23 @@ public:
     }
 
 private:
+    OpsLogFile* FindFile() {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_file) {
+            TString directory;
+            if (const OpsContext* context = GetOps().GetOpsContext())
+                context->GetOpsLogDirectory(directory);
+            m_file = OpsLogFile::Get(JoinPath(directory.c_str(), m_fileName));
+            m_pFile.store(m_file.get(), std::memory_order_release);
+        }
+        return m_file.get();
+    }
+
     std::string m_fileName;
     bool m_strip;
-    std::once_flag m_once;
+    std::mutex m_mutex; // only while the file is looked up
     std::shared_ptr<OpsLogFile> m_file;
+    std::atomic<OpsLogFile*> m_pFile{nullptr}; // m_file once set: the per-event path takes no lock
 };
 
 class LogToDebugOutputHandler : public OpsMessageHandler {
@@ -63,8 +76,8 @@ public:
     TString Describe() const override { return TString("LOG_TO_DEBUG_OUTPUT"); }
 };
 
-// Records the event on the debug output (standard error on POSIX), flushes the logs and ends
-// the process with a non-zero exit status.
+// Records the event on the debug output (standard error on POSIX) and ends the process with a
+// non-zero exit status.
 class FailHandler : public OpsMessageHandler {
 public:
     explicit FailHandler(std::string message) : m_message(std::move(message)) {}
@@ -74,7 +87,7 @@ public:
         if (!m_message.empty())
             text += "FAIL: " + m_message + "\n";
         WriteDebugOutput(text.c_str());
-        OpsLogFile::FlushAll();
+        // Log lines are written unbuffered, so there is nothing of ours to flush first.
         EndProcess(kFailExitStatus);
     }
     bool EndsProcess() const override { return true; }

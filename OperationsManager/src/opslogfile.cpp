@@ -5,10 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
-#include <mutex>
-#include <vector>
-
-#include "OperationsManager/src/opsplatform.h"
 
 namespace Util {
 namespace OpsDetail {
@@ -25,36 +21,66 @@ FileTable& GetFileTable() {
     return *s_pTable;
 }
 
-// "YYYY-MM-DD HH:MM:SS" of the current second, kept per thread so that the conversion to local
-// time runs once a second rather than once an event.
-const char* LocalSecondText(std::time_t second) {
-    thread_local std::time_t s_second = -1;
-    thread_local char s_text[32] = "";
-    if (second != s_second) {
-        std::tm local{};
-        if (ToLocalTime(second, local))
-            std::strftime(s_text, sizeof s_text, "%Y-%m-%d %H:%M:%S", &local);
-        else
-            std::snprintf(s_text, sizeof s_text, "%lld", static_cast<long long>(second));
-        s_second = second;
-    }
-    return s_text;
+// What a thread keeps between its log lines, so that an event costs no conversion to local time
+// (once a second instead) and no number formatting for the ids. Trivially destructible, so the
+// thread-local costs no registration.
+struct LineStamp {
+    std::time_t second = -1;
+    char secondText[32] = {};
+    std::size_t secondLength = 0;
+    unsigned long pid = 0;
+    unsigned long tid = 0;
+    char ids[48] = {}; // "[pid:tid] "
+    std::size_t idsLength = 0;
+};
+
+thread_local LineStamp t_stamp;
+
+// Out of line on purpose: inline, the compiler looks the thread-local up again after every call
+// it makes (a call into the C library's TLS resolver in a shared library) instead of keeping it.
+[[gnu::noinline]] LineStamp& ThreadStamp() {
+    return t_stamp;
 }
 
-template <typename Number> void AppendNumber(std::string& out, Number value) {
-    char digits[24];
-    const auto result = std::to_chars(digits, digits + sizeof digits, value);
-    out.append(digits, result.ptr);
+void StampSecond(LineStamp& stamp, std::time_t second) {
+    std::tm local{};
+    std::size_t length = 0;
+    if (ToLocalTime(second, local))
+        length =
+            std::strftime(stamp.secondText, sizeof stamp.secondText, "%Y-%m-%d %H:%M:%S", &local);
+    if (length == 0)
+        length = static_cast<std::size_t>(std::snprintf(stamp.secondText, sizeof stamp.secondText,
+                                                        "%lld", static_cast<long long>(second)));
+    stamp.secondLength = length;
+    stamp.second = second;
+}
+
+void StampIds(LineStamp& stamp, unsigned long pid, unsigned long tid) {
+    char* p = stamp.ids;
+    char* const end = stamp.ids + sizeof stamp.ids;
+    *p++ = '[';
+    p = std::to_chars(p, end, pid).ptr;
+    *p++ = ':';
+    p = std::to_chars(p, end, tid).ptr;
+    *p++ = ']';
+    *p++ = ' ';
+    stamp.idsLength = static_cast<std::size_t>(p - stamp.ids);
+    stamp.pid = pid;
+    stamp.tid = tid;
+}
+
+char* Put(char* out, const char* text, std::size_t length) {
+    std::memcpy(out, text, length);
+    return out + length;
+}
+
+long long SteadyMilliseconds() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
 }
 
 } // namespace
-
-struct OpsLogFile::Impl {
-    std::mutex mutex;
-    std::FILE* file = nullptr;
-    bool reportedFailure = false;
-    std::chrono::steady_clock::time_point lastAttempt{};
-};
 
 std::shared_ptr<OpsLogFile> OpsLogFile::Get(const std::string& path) {
     FileTable& table = GetFileTable();
@@ -68,91 +94,135 @@ std::shared_ptr<OpsLogFile> OpsLogFile::Get(const std::string& path) {
     return file;
 }
 
-void OpsLogFile::FlushAll() {
-    FileTable& table = GetFileTable();
-    std::unique_lock<std::mutex> lock(table.mutex, std::try_to_lock);
-    if (!lock.owns_lock())
-        return; // ending the process from inside Get: lines are flushed as written anyway
-    for (auto& entry : table.files) {
-        if (std::shared_ptr<OpsLogFile> file = entry.second.lock()) {
-            std::unique_lock<std::mutex> fileLock(file->m_pImpl->mutex, std::try_to_lock);
-            if (fileLock.owns_lock() && file->m_pImpl->file)
-                std::fflush(file->m_pImpl->file);
-        }
-    }
-}
-
-OpsLogFile::OpsLogFile(std::string path) : m_path(std::move(path)), m_pImpl(new Impl()) {}
+OpsLogFile::OpsLogFile(std::string path) : m_path(std::move(path)) {}
 
 OpsLogFile::~OpsLogFile() {
-    if (m_pImpl->file)
-        std::fclose(m_pImpl->file);
+    CloseFile(m_file.load(std::memory_order_acquire));
 }
 
-bool OpsLogFile::WriteLine(const std::string& line) {
-    std::lock_guard<std::mutex> lock(m_pImpl->mutex);
-    if (!m_pImpl->file) {
-        // A file that cannot be opened is tried again at most once a second, not on every event.
-        const auto now = std::chrono::steady_clock::now();
-        if (m_pImpl->lastAttempt != std::chrono::steady_clock::time_point{} &&
-            now - m_pImpl->lastAttempt < std::chrono::seconds(1))
-            return false;
-        m_pImpl->lastAttempt = now;
-        m_pImpl->file = std::fopen(m_path.c_str(), "ab");
-        if (!m_pImpl->file) {
-            if (!m_pImpl->reportedFailure) {
-                m_pImpl->reportedFailure = true;
-                const std::string text =
-                    "Operations manager: cannot open the log file \"" + m_path + "\"\n";
-                WriteDebugOutput(text.c_str());
-            }
-            return false;
+FileHandle OpsLogFile::Open() {
+    std::lock_guard<std::mutex> lock(m_openMutex);
+    FileHandle file = m_file.load(std::memory_order_acquire);
+    if (file != kNoFile)
+        return file; // another thread opened it meanwhile
+    // A file that cannot be opened is tried again at most once a second, not on every event.
+    const long long now = SteadyMilliseconds();
+    if (m_lastAttempt != 0 && now - m_lastAttempt < 1000)
+        return kNoFile;
+    file = OpenAppendFile(m_path.c_str());
+    if (file == kNoFile) {
+        m_lastAttempt = now != 0 ? now : 1;
+        if (!m_reportedFailure) {
+            m_reportedFailure = true;
+            const std::string text =
+                "Operations manager: cannot open the log file \"" + m_path + "\"\n";
+            WriteDebugOutput(text.c_str());
         }
+        return kNoFile;
     }
-    const bool written = std::fwrite(line.data(), 1, line.size(), m_pImpl->file) == line.size();
-    return std::fflush(m_pImpl->file) == 0 && written;
+    m_file.store(file, std::memory_order_release);
+    return file;
 }
 
-std::string FormatLogLine(const OpsEvent& event, bool stripSourceInfo) {
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t second = std::chrono::system_clock::to_time_t(now);
-    long millis = static_cast<long>(
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() %
-        1000);
-    if (millis < 0)
-        millis += 1000;
-    // Built by hand rather than with printf: this runs for every logged event.
-    std::string line;
-    line.reserve(128 + std::strlen(event.text));
-    line += LocalSecondText(second);
-    const char fraction[] = {
-        '.', char('0' + millis / 100), char('0' + millis / 10 % 10), char('0' + millis % 10), ' ',
-        '['};
-    line.append(fraction, sizeof fraction);
-    AppendNumber(line, CurrentProcessId());
-    line += ':';
-    AppendNumber(line, CurrentThreadId());
-    line += "] ";
-    line += Ops::MapLevelToLevelStr(event.level);
-    line += ' ';
-    line += Ops::MapEventTypeToEventTypeStr(event.type);
-    line += ' ';
+bool OpsLogFile::WriteLine(const char* line, std::size_t size) {
+    FileHandle file = m_file.load(std::memory_order_acquire);
+    if (file == kNoFile && (file = Open()) == kNoFile)
+        return false;
+    // No lock: the file is in append mode and the line goes out in one call (see the header).
+    return AppendToFile(file, line, size);
+}
+
+char* LogLine::Reserve(std::size_t size) {
+    if (size > sizeof m_inline) {
+        m_pHeap.reset(new char[size]);
+        m_pData = m_pHeap.get();
+    } else {
+        m_pData = m_inline;
+    }
+    m_size = 0;
+    return m_pData;
+}
+
+void FormatLogLineAt(const OpsEvent& event, bool stripSourceInfo, std::time_t second,
+                     unsigned millisecond, unsigned long pid, unsigned long tid, LogLine& out) {
+    LineStamp& stamp = ThreadStamp();
+    if (stamp.second != second)
+        StampSecond(stamp, second);
+    if (stamp.pid != pid || stamp.tid != tid || stamp.idsLength == 0)
+        StampIds(stamp, pid, tid);
+
+    const char* level = Ops::MapLevelToLevelStr(event.level);
+    const char* type = Ops::MapEventTypeToEventTypeStr(event.type);
+    const std::size_t levelLength = std::strlen(level), typeLength = std::strlen(type);
+    const char* file = "";
+    std::size_t fileLength = 0;
+    char lineDigits[16];
+    std::size_t lineLength = 0;
     if (!stripSourceInfo) {
         // The same text as the context's "file (line) : " prefix, without caching a copy of it
         // in a context that lives for this one event.
-        const char* file = event.context.GetFile();
-        line += file ? file : "";
-        line += " (";
-        AppendNumber(line, static_cast<long long>(static_cast<int>(event.context.GetLine())));
-        line += ") : ";
+        if (event.context.GetFile())
+            file = event.context.GetFile();
+        fileLength = std::strlen(file);
+        lineLength =
+            static_cast<std::size_t>(std::to_chars(lineDigits, lineDigits + sizeof lineDigits,
+                                                   static_cast<int>(event.context.GetLine()))
+                                         .ptr -
+                                     lineDigits);
     }
-    const std::size_t textStart = line.size();
-    line += event.text;
-    for (std::size_t i = textStart; i < line.size(); ++i)
-        if (line[i] == '\n' || line[i] == '\r')
-            line[i] = ' ';
-    line += '\n';
-    return line;
+    const std::size_t textLength = std::strlen(event.text);
+    const std::size_t size =
+        stamp.secondLength + 5 + stamp.idsLength + levelLength + 1 + typeLength + 1 +
+        (stripSourceInfo ? 0 : fileLength + 2 + lineLength + 4) + textLength + 1;
+
+    char* p = out.Reserve(size);
+    p = Put(p, stamp.secondText, stamp.secondLength);
+    millisecond %= 1000;
+    p[0] = '.';
+    p[1] = char('0' + millisecond / 100);
+    p[2] = char('0' + millisecond / 10 % 10);
+    p[3] = char('0' + millisecond % 10);
+    p[4] = ' ';
+    p += 5;
+    p = Put(p, stamp.ids, stamp.idsLength);
+    p = Put(p, level, levelLength);
+    *p++ = ' ';
+    p = Put(p, type, typeLength);
+    *p++ = ' ';
+    if (!stripSourceInfo) {
+        p = Put(p, file, fileLength);
+        p = Put(p, " (", 2);
+        p = Put(p, lineDigits, lineLength);
+        p = Put(p, ") : ", 4);
+    }
+    // One line per event: line breaks inside the text become spaces.
+    for (std::size_t i = 0; i < textLength; ++i) {
+        const char c = event.text[i];
+        p[i] = (c == '\n' || c == '\r') ? ' ' : c;
+    }
+    p += textLength;
+    *p++ = '\n';
+    out.SetSize(static_cast<std::size_t>(p - out.Data()));
+}
+
+void FormatLogLine(const OpsEvent& event, bool stripSourceInfo, LogLine& out) {
+    // The real-time clock is read through the vDSO on Linux: no system call.
+    const auto now = std::chrono::system_clock::now();
+    const long long millis =
+        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count();
+    long long second = millis / 1000, millisecond = millis % 1000;
+    if (millisecond < 0) {
+        millisecond += 1000;
+        --second;
+    }
+    FormatLogLineAt(event, stripSourceInfo, static_cast<std::time_t>(second),
+                    static_cast<unsigned>(millisecond), CurrentProcessId(), CurrentThreadId(), out);
+}
+
+std::string FormatLogLine(const OpsEvent& event, bool stripSourceInfo) {
+    LogLine line;
+    FormatLogLine(event, stripSourceInfo, line);
+    return std::string(line.Data(), line.Size());
 }
 
 } // namespace OpsDetail

@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "OperationsManager/src/opsfactorylookup.h"
 #include "OperationsManager/src/opshandlers.h"
@@ -24,6 +25,35 @@ thread_local int t_handlingDepth = 0;
 struct DepthGuard {
     DepthGuard() { ++t_handlingDepth; }
     ~DepthGuard() { --t_handlingDepth; }
+};
+
+// The handlers matched for one event: inline up to a handful, on the heap beyond.
+class SmallHandlerList {
+public:
+    void push_back(OpsMessageHandler* handler) {
+        if (m_size == kInline && m_heap.empty())
+            m_heap.assign(m_inline, m_inline + kInline);
+        if (!m_heap.empty())
+            m_heap.push_back(handler);
+        else
+            m_inline[m_size] = handler;
+        ++m_size;
+    }
+    std::size_t size() const { return m_size; }
+    OpsMessageHandler** begin() { return m_heap.empty() ? m_inline : m_heap.data(); }
+    OpsMessageHandler** end() { return begin() + m_size; }
+    OpsMessageHandler*& operator[](std::size_t i) { return begin()[i]; }
+    void resize(std::size_t size) { // only to shrink
+        m_size = size;
+        if (!m_heap.empty())
+            m_heap.resize(size);
+    }
+
+private:
+    static constexpr std::size_t kInline = 8;
+    OpsMessageHandler* m_inline[kInline];
+    std::vector<OpsMessageHandler*> m_heap;
+    std::size_t m_size = 0;
 };
 
 } // namespace
@@ -69,8 +99,9 @@ bool OpsMessageHandlerManager::HandleMessage(Ops::EventType type, Ops::Level lev
         OpsSubscriptionManager::GetInstance().GetSubscriptions();
     const OpsEvent event{type, level, context, text ? text : ""};
 
-    // Collect first: keys are compared only when more than one handler wants the event.
-    std::vector<OpsMessageHandler*> matched;
+    // Collect first: keys are compared only when more than one handler wants the event. A few
+    // handlers per event is the rule, so they are collected on the stack.
+    SmallHandlerList matched;
     for (const OpsSubscriptionManager::Subscription& subscription : *subscriptions) {
         if (!subscription.mask.Test(type, level))
             continue;

@@ -1,8 +1,10 @@
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <fstream>
 #include <pthread.h>
 #include <string>
@@ -38,14 +40,54 @@ unsigned long CurrentProcessId() {
 }
 
 unsigned long CurrentThreadId() {
-    // The kernel's thread id, the number tools such as top and gdb show.
-    static thread_local const unsigned long s_tid =
-        static_cast<unsigned long>(::syscall(SYS_gettid));
-    return s_tid;
+    // The kernel's thread id, the number tools such as top and gdb show. Kept per thread with the
+    // process it was read in: the thread that forks has a new id in the child.
+    struct Cached {
+        unsigned long pid;
+        unsigned long tid;
+    };
+    static thread_local Cached s_cached{0, 0};
+    const unsigned long pid = CurrentProcessId();
+    if (s_cached.pid != pid) {
+        s_cached.tid = static_cast<unsigned long>(::syscall(SYS_gettid));
+        s_cached.pid = pid;
+    }
+    return s_cached.tid;
 }
 
 bool ToLocalTime(std::time_t time, std::tm& out) {
     return ::localtime_r(&time, &out) != nullptr;
+}
+
+FileHandle OpenAppendFile(const char* path) {
+    int fd;
+    do
+        fd = ::open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    while (fd < 0 && errno == EINTR);
+    return fd < 0 ? kNoFile : static_cast<FileHandle>(fd);
+}
+
+bool AppendToFile(FileHandle file, const char* data, std::size_t size) {
+    // O_APPEND: the kernel moves to the end and writes under the file's lock, so one write() of a
+    // whole line is never split by another writer's line.
+    while (size > 0) {
+        const ssize_t written = ::write(static_cast<int>(file), data, size);
+        if (written < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        if (written == 0)
+            return false;
+        data += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+void CloseFile(FileHandle file) {
+    if (file != kNoFile)
+        ::close(static_cast<int>(file));
 }
 
 void WriteDebugOutput(const char* text) {

@@ -20,6 +20,33 @@ bool ToLocalTime(std::time_t time, std::tm& out) {
     return ::localtime_s(&out, &time) == 0;
 }
 
+FileHandle OpenAppendFile(const char* path) {
+    // Append access alone (no FILE_WRITE_DATA): every WriteFile goes to the current end of the
+    // file as one piece, like O_APPEND on POSIX.
+    const HANDLE file = ::CreateFileA(path, FILE_APPEND_DATA,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return file == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<FileHandle>(file);
+}
+
+bool AppendToFile(FileHandle file, const char* data, std::size_t size) {
+    while (size > 0) {
+        const DWORD chunk = size > 0x40000000u ? 0x40000000u : static_cast<DWORD>(size);
+        DWORD written = 0;
+        if (!::WriteFile(reinterpret_cast<HANDLE>(file), data, chunk, &written, nullptr) ||
+            written == 0)
+            return false;
+        data += written;
+        size -= written;
+    }
+    return true;
+}
+
+void CloseFile(FileHandle file) {
+    if (file != kNoFile)
+        ::CloseHandle(reinterpret_cast<HANDLE>(file));
+}
+
 void WriteDebugOutput(const char* text) {
     ::OutputDebugStringA(text);
 }
