@@ -32,20 +32,21 @@ template <std::size_t W> inline void CopyWords(char* to, const char* from, std::
     std::memcpy(to + n - W, from + n - W, W);
 }
 
-inline void CopyString(char* to, const char* from, std::size_t n) {
+// Returns the copy.
+inline char* CopyString(char* to, const char* from, std::size_t n) {
     if (n <= 16) {
-        if (n >= 8) {
-            CopyWords<8>(to, from, n);
-        } else {
-            std::memcpy(to, from, n);
+        if (n < 8) {
+            return static_cast<char*>(std::memcpy(to, from, n));
         }
+        CopyWords<8>(to, from, n);
     } else if (n <= 32) {
         CopyWords<16>(to, from, n);
     } else if (n <= 64) {
         CopyWords<32>(to, from, n);
     } else {
-        std::memcpy(to, from, n);
+        return static_cast<char*>(std::memcpy(to, from, n));
     }
+    return to;
 }
 
 // A failed call's status, reported under the calling function's name; kept out of line so that
@@ -218,14 +219,29 @@ const char* BlockStringCache::AddString(const char* s) {
         ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetInvalidArg());
         return nullptr;
     }
+    // The usual case, a listed chunk below 1024 bytes, calls nothing but the copy; everything
+    // else goes through GetBytesFromCache out of line.
+    std::size_t size = 0;
+    char* chunk = m_pFreeList->TakeSmallFit(byteLength + kHeaderSize, kSplitSlack, size);
+    if (__builtin_expect(chunk == nullptr, 0)) {
+        return AddStringSlow(s, byteLength);
+    }
+    WriteHeader(chunk, size);
+    ++m_addCount;
+    return CopyString(chunk + kHeaderSize, s, byteLength);
+}
+
+__attribute__((noinline)) const char* BlockStringCache::AddStringSlow(const char* s,
+                                                                      std::size_t byteLength) {
     char* pAlloc = GetBytesFromCache(byteLength);
-    if (!VALUES_VERIFY(pAlloc != NULL)) {
+    // Reported as AddString's own verification.
+    if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", __FILE__, __LINE__, "AddString",
+                         kAddStringSig)) {
         ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetAllocFailed());
         return nullptr;
     }
-    CopyString(pAlloc, s, byteLength);
     ++m_addCount;
-    return pAlloc;
+    return CopyString(pAlloc, s, byteLength);
 }
 
 int BlockStringCache::RemoveString(const char* s) {

@@ -40,6 +40,9 @@ public:
     // TakeBestFit, then a chunk larger than needed by more than slack is split: its remainder
     // (needed bytes further on) goes back into the list and size becomes needed.
     char* TakeBestFitAndSplit(std::size_t needed, std::size_t slack, std::size_t& size);
+    // The same for the common case, inline and without calls: null, with nothing taken, when
+    // the best fit is a large chunk or listing the remainder needs more memory.
+    char* TakeSmallFit(std::size_t needed, std::size_t slack, std::size_t& size);
     bool HasChunkOfAtLeast(std::size_t size) const;
 
     // Counted when asked (statistics only), which keeps the bookkeeping out of every call.
@@ -161,6 +164,26 @@ inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack
     return start;
 }
 
+inline char* FreeList::TakeSmallFit(std::size_t needed, std::size_t slack, std::size_t& size) {
+    std::size_t small = FindSmall(needed);
+    if (small == kSmallSizes) {
+        return nullptr;
+    }
+    std::size_t rest = small - needed;
+    if (rest > slack) {
+        const Ring& ring = m_rings[rest];
+        if (rest < kMinChunk || ring.count == ring.capacity) {
+            return nullptr;
+        }
+        char* start = PopSmall(small);
+        PushSmall(start + needed, rest);
+        size = needed;
+        return start;
+    }
+    size = small;
+    return PopSmall(small);
+}
+
 template <class F> void FreeList::ForEach(F&& visit) const {
     for (std::size_t size = 0; size < kSmallSizes; ++size) {
         const Ring& ring = m_rings[size];
@@ -218,6 +241,7 @@ private:
     Status AllocateNewBlock();
     char* GetBytesFromCache(std::size_t byteLength);
     char* GetBytesFromNewBlock(std::size_t byteLength);
+    const char* AddStringSlow(const char* s, std::size_t byteLength);
     char* GetFromFreeList(std::size_t byteLength);
     bool ReturnToFreeList(const char* s, std::size_t byteLength);
     bool AddBufferToFreeList(char* start, std::size_t size);
