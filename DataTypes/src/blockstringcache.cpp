@@ -122,6 +122,10 @@ void BlockStringCache::FreeFreeList() {
     m_pFreeList.reset();
 }
 
+inline bool BlockStringCache::AddBufferToFreeList(char* start, std::size_t size) {
+    return m_pFreeList->Insert(start, size);
+}
+
 Status BlockStringCache::AllocateNewBlock() {
     char* pNewBlock = static_cast<char*>(std::malloc(m_blockSize == 0 ? 1 : m_blockSize));
     if (!VALUES_VERIFY(pNewBlock != NULL)) {
@@ -150,10 +154,6 @@ Status BlockStringCache::AllocateNewBlock() {
         return VALUES_REPORT(Status::GetAllocFailed());
     }
     return Status::GetSucceeded();
-}
-
-bool BlockStringCache::AddBufferToFreeList(char* start, std::size_t size) {
-    return m_pFreeList->Insert(start, size);
 }
 
 inline char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
