@@ -7,6 +7,7 @@
 #include <malloc.h>
 #include <openssl/evp.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <random>
@@ -146,6 +147,56 @@ void BM_Peer_AddRemove8to64(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
 }
 
+// A larger, longer-lived population: 65536 strings stay alive (a few megabytes, more than the
+// processor's caches), and each step replaces one picked at random, so that lifetimes vary
+// as they do in an application. The slot comes from a xorshift step, the same on both sides.
+const size_t kLiveLarge = 65536;
+
+inline size_t NextSlot(uint32_t& state) {
+    state ^= state << 13;
+    state ^= state >> 17;
+    state ^= state << 5;
+    return state & (kLiveLarge - 1);
+}
+
+void BM_Ours_Churn64K8to64(benchmark::State& state) {
+    ChurnStrings strings;
+    Util::BlockStringCache cache;
+    std::vector<const char*> live(kLiveLarge);
+    for (size_t i = 0; i < kLiveLarge; ++i) {
+        live[i] = cache.AddString(strings[i]);
+    }
+    uint32_t random = 12345;
+    size_t next = 0;
+    for (auto _ : state) {
+        size_t slot = NextSlot(random);
+        cache.RemoveString(live[slot]);
+        live[slot] = cache.AddString(strings[next++]);
+        benchmark::DoNotOptimize(live[slot]);
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+}
+
+void BM_Peer_Churn64K8to64(benchmark::State& state) {
+    ChurnStrings strings;
+    std::vector<char*> live(kLiveLarge);
+    for (size_t i = 0; i < kLiveLarge; ++i) {
+        live[i] = strdup(strings[i]);
+    }
+    uint32_t random = 12345;
+    size_t next = 0;
+    for (auto _ : state) {
+        size_t slot = NextSlot(random);
+        std::free(live[slot]);
+        live[slot] = strdup(strings[next++]);
+        benchmark::DoNotOptimize(live[slot]);
+    }
+    for (char* p : live) {
+        std::free(p);
+    }
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+}
+
 // The same pair with nothing else alive: the freed chunk comes straight back.
 void BM_Ours_AddRemovePair8to64(benchmark::State& state) {
     ChurnStrings strings;
@@ -254,6 +305,8 @@ BENCHMARK(BM_Ours_Base64Decode1MiB);
 BENCHMARK(BM_Peer_Base64Decode1MiB);
 BENCHMARK(BM_Ours_AddRemove8to64);
 BENCHMARK(BM_Peer_AddRemove8to64);
+BENCHMARK(BM_Ours_Churn64K8to64);
+BENCHMARK(BM_Peer_Churn64K8to64);
 BENCHMARK(BM_Ours_AddRemovePair8to64);
 BENCHMARK(BM_Peer_AddRemovePair8to64);
 BENCHMARK(BM_Ours_AddThenRemove1000);

@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 namespace Util {
 
@@ -26,20 +25,42 @@ inline void WriteHeader(char* chunk, std::uint64_t size) {
 }
 
 // Copies a string into a chunk just handed out (the two never overlap). Short strings, the
-// cache's usual content, are copied in overlapping 8-byte words: cheaper than a call.
-inline void CopyString(char* to, const char* from, std::size_t n) {
-    if (n < 8 || n > 64) {
-        std::memcpy(to, from, n);
-        return;
-    }
-    std::uint64_t word;
-    for (std::size_t i = 0; i + 8 < n; i += 8) {
-        std::memcpy(&word, from + i, 8);
-        std::memcpy(to + i, &word, 8);
-    }
-    std::memcpy(&word, from + n - 8, 8);
-    std::memcpy(to + n - 8, &word, 8);
+// cache's usual content, are copied as two overlapping words of 8, 16 or 32 bytes: one branch
+// on the size class instead of a call or a loop.
+template <std::size_t W> inline void CopyWords(char* to, const char* from, std::size_t n) {
+    std::memcpy(to, from, W);
+    std::memcpy(to + n - W, from + n - W, W);
 }
+
+inline void CopyString(char* to, const char* from, std::size_t n) {
+    if (n <= 16) {
+        if (n >= 8) {
+            CopyWords<8>(to, from, n);
+        } else {
+            std::memcpy(to, from, n);
+        }
+    } else if (n <= 32) {
+        CopyWords<16>(to, from, n);
+    } else if (n <= 64) {
+        CopyWords<32>(to, from, n);
+    } else {
+        std::memcpy(to, from, n);
+    }
+}
+
+// A failed call's status, reported under the calling function's name; kept out of line so that
+// the successful paths carry none of its set-up.
+[[gnu::cold, gnu::noinline]] void ReportFailure(const char* function, const char* signature,
+                                                long line, const Status& status) {
+    LocalOps valuesLocalOps(__FILE__, line, function, signature);
+    valuesLocalOps.ReportStatus(status, line);
+}
+
+const char* const kAddString = "Util::BlockStringCache::AddString";
+const char* const kAddStringSig = "const char* Util::BlockStringCache::AddString(const char*)";
+const char* const kReplaceString = "Util::BlockStringCache::ReplaceString";
+const char* const kReplaceStringSig =
+    "const char* Util::BlockStringCache::ReplaceString(const char*, const char*)";
 
 } // namespace
 
@@ -145,15 +166,15 @@ inline char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
     return chunk + kHeaderSize;
 }
 
-char* BlockStringCache::GetBytesFromCache(std::size_t byteLength) {
+inline char* BlockStringCache::GetBytesFromCache(std::size_t byteLength) {
     char* pBytes = GetFromFreeList(byteLength);
-    if (pBytes != nullptr) {
+    if (__builtin_expect(pBytes != nullptr, 1)) {
         return pBytes;
     }
     return GetBytesFromNewBlock(byteLength);
 }
 
-char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
+__attribute__((noinline)) char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
     // A block that is still whole serves as well as a new one, so a request that fits no block
     // allocates at most one block, however often it is repeated.
     char* pBytes = nullptr;
@@ -170,7 +191,7 @@ bool BlockStringCache::ValidateBufferIsInCache(const char*) const {
     return true;
 }
 
-bool BlockStringCache::ReturnToFreeList(const char* s, std::size_t byteLength) {
+inline bool BlockStringCache::ReturnToFreeList(const char* s, std::size_t byteLength) {
     if (!ValidateBufferIsInCache(s)) {
         return false;
     }
@@ -185,9 +206,7 @@ bool BlockStringCache::ReturnToFreeList(const char* s, std::size_t byteLength) {
 
 const char* BlockStringCache::AddString(const char* s) {
     if (!VALUES_VERIFY(IsInitialized())) {
-        VALUES_LOCAL_OPS("Util::BlockStringCache::AddString",
-                         "const char* Util::BlockStringCache::AddString(const char*)");
-        VALUES_REPORT(Status::GetFailed());
+        ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetFailed());
         return nullptr;
     }
     if (s == nullptr || *s == '\0') {
@@ -196,16 +215,12 @@ const char* BlockStringCache::AddString(const char* s) {
     }
     std::size_t byteLength = std::strlen(s) + 1;
     if (!VALUES_VERIFY(byteLength <= m_blockSize)) {
-        VALUES_LOCAL_OPS("Util::BlockStringCache::AddString",
-                         "const char* Util::BlockStringCache::AddString(const char*)");
-        VALUES_REPORT(Status::GetInvalidArg());
+        ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetInvalidArg());
         return nullptr;
     }
     char* pAlloc = GetBytesFromCache(byteLength);
     if (!VALUES_VERIFY(pAlloc != NULL)) {
-        VALUES_LOCAL_OPS("Util::BlockStringCache::AddString",
-                         "const char* Util::BlockStringCache::AddString(const char*)");
-        VALUES_REPORT(Status::GetAllocFailed());
+        ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetAllocFailed());
         return nullptr;
     }
     CopyString(pAlloc, s, byteLength);
@@ -228,10 +243,7 @@ int BlockStringCache::RemoveString(const char* s) {
 
 const char* BlockStringCache::ReplaceString(const char* oldStr, const char* newStr) {
     if (!VALUES_VERIFY(IsInitialized())) {
-        VALUES_LOCAL_OPS("Util::BlockStringCache::ReplaceString",
-                         "const char* Util::BlockStringCache::ReplaceString(const char*, const "
-                         "char*)");
-        VALUES_REPORT(Status::GetFailed());
+        ReportFailure(kReplaceString, kReplaceStringSig, __LINE__, Status::GetFailed());
         return nullptr;
     }
     if (oldStr == nullptr || *oldStr == '\0') {
@@ -245,10 +257,7 @@ const char* BlockStringCache::ReplaceString(const char* oldStr, const char* newS
     std::size_t newByteLength = std::strlen(newStr) + 1;
     if (!VALUES_VERIFY(origByteLength <= m_blockSize) ||
         !VALUES_VERIFY(newByteLength <= m_blockSize)) {
-        VALUES_LOCAL_OPS("Util::BlockStringCache::ReplaceString",
-                         "const char* Util::BlockStringCache::ReplaceString(const char*, const "
-                         "char*)");
-        VALUES_REPORT(Status::GetInvalidArg());
+        ReportFailure(kReplaceString, kReplaceStringSig, __LINE__, Status::GetInvalidArg());
         return nullptr;
     }
     ++m_replaceCount;
@@ -256,34 +265,16 @@ const char* BlockStringCache::ReplaceString(const char* oldStr, const char* newS
         std::memmove(const_cast<char*>(oldStr), newStr, newByteLength);
         return oldStr;
     }
-    // The new text may lie inside the old chunk, which the free list may write into (its
-    // links) once the chunk is returned: copy such a text aside first.
-    std::string aside;
-    const char* source = newStr;
-    auto chunk = reinterpret_cast<std::uintptr_t>(oldStr) - kHeaderSize;
-    auto from = reinterpret_cast<std::uintptr_t>(newStr);
-    if (from >= chunk && from - chunk < ReadHeader(oldStr - kHeaderSize)) {
-        try {
-            aside.assign(newStr, newByteLength - 1);
-        } catch (const std::exception&) {
-            VALUES_LOCAL_OPS("Util::BlockStringCache::ReplaceString",
-                             "const char* Util::BlockStringCache::ReplaceString(const char*, "
-                             "const char*)");
-            VALUES_REPORT(Status::GetAllocFailed());
-            return nullptr;
-        }
-        source = aside.c_str();
-    }
+    // The new text may lie inside the old string. The free list keeps its bookkeeping outside
+    // the chunks, and taking a chunk writes only its header, which precedes any string in it:
+    // the text is still intact when it is copied, though source and target may overlap.
     ReturnToFreeList(oldStr, origByteLength);
     char* pResultStr = GetBytesFromCache(newByteLength);
     if (!VALUES_VERIFY(pResultStr != NULL)) {
-        VALUES_LOCAL_OPS("Util::BlockStringCache::ReplaceString",
-                         "const char* Util::BlockStringCache::ReplaceString(const char*, const "
-                         "char*)");
-        VALUES_REPORT(Status::GetAllocFailed());
+        ReportFailure(kReplaceString, kReplaceStringSig, __LINE__, Status::GetAllocFailed());
         return nullptr;
     }
-    std::memcpy(pResultStr, source, newByteLength);
+    std::memmove(pResultStr, newStr, newByteLength);
     return pResultStr;
 }
 

@@ -1,30 +1,66 @@
 #include "DataTypes/src/blockstringcache_stats.h"
 #include "Util/BlockStringCache.h"
 
-#include <algorithm>
+#include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 namespace Util {
 
 FreeList::FreeList() {
-    std::fill(std::begin(m_head), std::end(m_head), nullptr);
-    std::fill(std::begin(m_tail), std::end(m_tail), nullptr);
     std::memset(m_bits, 0, sizeof m_bits);
 }
 
-FreeList::~FreeList() = default;
-
-void FreeList::InsertLarge(char* start, std::size_t size) {
-    m_large.emplace(size, start); // after the chunks of equal size already listed
-    ++m_count;
-    m_totalFree += size;
+FreeList::~FreeList() {
+    for (Ring& ring : m_rings) {
+        std::free(ring.slots);
+    }
 }
 
-char* FreeList::TakeLarge(std::size_t needed, std::size_t slack, std::size_t& size) {
+// Doubles a full ring, its chunks moved to the front in order. Out of line: a ring grows only
+// until it holds the most chunks of its size ever free at once.
+bool FreeList::Grow(Ring& ring) {
+    const std::uint32_t kFirstCapacity = 8;
+    if (ring.capacity > (std::uint32_t(1) << 30)) {
+        return false;
+    }
+    std::uint32_t capacity = ring.capacity == 0 ? kFirstCapacity : 2 * ring.capacity;
+    auto slots = static_cast<char**>(std::malloc(capacity * sizeof(char*)));
+    if (slots == nullptr) {
+        return false;
+    }
+    for (std::uint32_t i = 0; i < ring.count; ++i) {
+        slots[i] = ring.slots[(ring.head + i) & (ring.capacity - 1)];
+    }
+    std::free(ring.slots);
+    ring.slots = slots;
+    ring.head = 0;
+    ring.capacity = capacity;
+    return true;
+}
+
+bool FreeList::InsertSlow(char* start, std::size_t size) {
+    if (size < kMinChunk) {
+        return false;
+    }
+    if (size < kSmallSizes) {
+        if (!Grow(m_rings[size])) {
+            return false;
+        }
+        PushSmall(start, size);
+        return true;
+    }
+    try {
+        m_large.emplace(size, start); // after the chunks of equal size already listed
+    } catch (const std::exception&) {
+        return false;
+    }
+    return true;
+}
+
+FreeList::Taken FreeList::TakeLarge(std::size_t needed, std::size_t slack) {
     auto it = m_large.lower_bound(needed < kSmallSizes ? kSmallSizes : needed);
     if (it == m_large.end()) {
-        return nullptr;
+        return {nullptr, 0};
     }
     char* start = it->second;
     std::size_t found = it->first;
@@ -42,19 +78,33 @@ char* FreeList::TakeLarge(std::size_t needed, std::size_t slack, std::size_t& si
         node.key() = rest;
         node.mapped() = start + needed;
         m_large.insert(hint, std::move(node));
-        m_totalFree -= needed;
-        size = needed;
-        return start;
+        return {start, needed};
     }
     m_large.erase(it);
-    --m_count;
-    m_totalFree -= found;
-    size = found;
     if (rest > slack && Insert(start + needed, rest)) {
-        size = needed;
+        return {start, needed};
     }
     // Without room to list the remainder it stays with the handed-out chunk.
-    return start;
+    return {start, found};
+}
+
+std::size_t FreeList::GetCount() const {
+    std::size_t count = m_large.size();
+    for (const Ring& ring : m_rings) {
+        count += ring.count;
+    }
+    return count;
+}
+
+std::size_t FreeList::GetTotalFree() const {
+    std::size_t total = 0;
+    for (std::size_t size = 0; size < kSmallSizes; ++size) {
+        total += size * m_rings[size].count;
+    }
+    for (const auto& entry : m_large) {
+        total += entry.first;
+    }
+    return total;
 }
 
 bool FreeList::HasChunkOfAtLeast(std::size_t size) const {

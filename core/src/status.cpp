@@ -10,20 +10,18 @@ inline StatusPool* Status::Pool() {
 }
 
 Status::Status() {
-    Pool()->Take(m_pImpl);
-    m_pImpl->m_formatStr.emplace("Succeeded");
+    Pool()->Take(m_pImpl, true);
+    m_pImpl->Reuse(0, "Succeeded");
 }
 
 Status::Status(long code, const char* format) {
-    Pool()->Take(m_pImpl);
-    // A fresh implementation has no format and no message yet.
-    m_pImpl->m_statusCode = static_cast<std::int32_t>(code);
-    m_pImpl->m_formatStr.emplace(format);
+    Pool()->Take(m_pImpl, true);
+    m_pImpl->Reuse(code, format);
 }
 
 Status& Status::operator=(const Status& other) {
     if (m_pImpl != other.m_pImpl) {
-        boost::shared_ptr<StatusImpl> old = m_pImpl;
+        boost::shared_ptr<StatusImpl> old = std::move(m_pImpl);
         m_pImpl = other.m_pImpl;
         Release(old);
     }
@@ -34,17 +32,28 @@ void Status::Release(boost::shared_ptr<StatusImpl>& impl) {
     StatusImpl* p = impl.get();
     if (p == nullptr)
         return;
-    const boost::shared_ptr<StatusImpl>* slot = p->m_pPoolSlot;
-    std::uint32_t index = p->m_poolIndex;
+    if (p->m_lent) {
+        // The only holder of a lent reference moves it back. Nobody else can take a reference
+        // to it meanwhile: every other reference comes from copying a holder.
+        if (impl.use_count() == 1) {
+            StatusPool* pool = StatusPool::s_pCurrent.load(std::memory_order_acquire);
+            if (pool != nullptr) {
+                pool->GiveBack(impl);
+                return;
+            }
+        }
+        impl.reset();
+        return;
+    }
+    // A reference copied from the pool's (GetNewStatus): whoever drops the count to the pool's
+    // single reference marks the entry free; a stale mark is caught when the pool takes it.
+    const std::uint32_t index = p->m_poolIndex;
     impl.reset();
-    // Whoever drops the count to the pool's single reference hands the entry back. Nobody can
-    // take a new reference to such an entry except the pool, so this check cannot miss a free
-    // entry; a stale mark is caught when the pool takes the entry.
-    if (slot == nullptr)
+    if (index == StatusImpl::kNotPooled)
         return;
     StatusPool* pool = StatusPool::s_pCurrent.load(std::memory_order_acquire);
-    if (pool != nullptr && slot->use_count() == 1)
-        pool->MarkFree(index);
+    if (pool != nullptr)
+        pool->MarkFreeIfUnused(index);
 }
 
 long Status::GetStatusCodeComponentOffset() const {
@@ -55,7 +64,7 @@ long Status::GetStatusCodeComponentOffset() const {
 
 void Status::CopyIfShared() {
     // The pool holds one reference, so 2 means this status alone uses the implementation.
-    if (m_pImpl.use_count() >= 3) {
+    if (GetUseCount() >= 3) {
         Status fresh;
         *fresh.m_pImpl = *m_pImpl;
         *this = fresh;

@@ -48,26 +48,32 @@ int StatusPool::GetPoolSize() const {
 
 boost::shared_ptr<StatusImpl> StatusPool::GetNewStatus() {
     boost::shared_ptr<StatusImpl> result;
-    Take(result);
+    Take(result, false);
     return result;
 }
 
-void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
+void StatusPool::Take(boost::shared_ptr<StatusImpl>& result, bool lend) {
     Detail::ElidableSpinGuard guard(m_lock);
     std::size_t index = 0;
     while (m_free.FindFirst(index)) {
-        m_free.Clear(index);
-        const boost::shared_ptr<StatusImpl>& slot = m_list[index];
+        m_free.ClearFirst(index);
+        boost::shared_ptr<StatusImpl>& slot = m_list[index];
         if (slot.use_count() == 1) {
-            result = slot;
-            guard.Release();
-            result->Reset();
+            if (lend) {
+                result = std::move(slot);
+                result->m_lent = true;
+                guard.Release();
+            } else {
+                result = slot;
+                guard.Release();
+                result->Reset();
+            }
             return;
         }
     }
-    if (m_list.size() >= std::min<std::size_t>(m_list.max_size(), UINT32_MAX))
+    if (m_list.size() >= std::min<std::size_t>(m_list.max_size(), UINT32_MAX - 1))
         throw std::length_error("list too long");
-    result = boost::make_shared<StatusImpl>();
+    boost::shared_ptr<StatusImpl> created(new StatusImpl, Deleter());
     if (m_list.size() == m_capacity) {
         m_capacity = m_capacity == 0 ? 1024 : m_capacity * 2;
         m_free.Resize(m_capacity);
@@ -76,9 +82,50 @@ void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
         // of this walk constant per created entry.
         SweepFreeEntries();
     }
-    m_list.push_back(result);
-    result->m_pPoolSlot = &m_list.back();
-    result->m_poolIndex = static_cast<std::uint32_t>(m_list.size() - 1);
+    created->m_poolIndex = static_cast<std::uint32_t>(m_list.size());
+    if (lend) {
+        created->m_lent = true;
+        m_list.emplace_back();
+        result = std::move(created);
+    } else {
+        m_list.push_back(created);
+        result = std::move(created);
+    }
+}
+
+void StatusPool::GiveBack(boost::shared_ptr<StatusImpl>& impl) {
+    const std::uint32_t index = impl->m_poolIndex;
+    Detail::ElidableSpinGuard guard(m_lock);
+    impl->m_lent = false;
+    m_list[index] = std::move(impl);
+    m_free.Set(index);
+}
+
+void StatusPool::Adopt(StatusImpl* impl) {
+    const std::uint32_t index = impl->m_poolIndex;
+    boost::shared_ptr<StatusImpl> owner;
+    try {
+        owner.reset(impl, Deleter());
+    } catch (const std::bad_alloc&) {
+        // No memory for a new reference count: the entry stays empty and is never reused.
+        delete impl;
+        return;
+    }
+    Detail::ElidableSpinGuard guard(m_lock);
+    impl->m_lent = false;
+    m_list[index] = std::move(owner);
+    m_free.Set(index);
+}
+
+void StatusPool::Deleter::operator()(StatusImpl* impl) const {
+    if (impl->m_lent) {
+        StatusPool* pool = s_pCurrent.load(std::memory_order_acquire);
+        if (pool != nullptr) {
+            pool->Adopt(impl);
+            return;
+        }
+    }
+    delete impl;
 }
 
 void StatusPool::SweepFreeEntries() {
@@ -88,34 +135,50 @@ void StatusPool::SweepFreeEntries() {
     }
 }
 
-void StatusPool::MarkFree(std::uint32_t index) {
+void StatusPool::MarkFreeIfUnused(std::uint32_t index) {
     Detail::ElidableSpinGuard guard(m_lock);
-    if (index < m_list.size())
+    if (index < m_list.size() && m_list[index].use_count() == 1)
         m_free.Set(index);
 }
 
 void StatusPool::FreeIndexSet::Resize(std::size_t count) {
-    std::vector<std::vector<std::uint64_t>> levels;
-    std::size_t words = (count + 63) / 64;
-    levels.emplace_back(words, 0);
-    if (!m_levels.empty())
-        std::copy(m_levels[0].begin(), m_levels[0].end(), levels[0].begin());
-    while (levels.back().size() > 1) {
-        const auto& below = levels.back();
-        std::vector<std::uint64_t> above((below.size() + 63) / 64, 0);
-        for (std::size_t i = 0; i < below.size(); ++i) {
-            if (below[i] != 0)
-                above[i / 64] |= std::uint64_t{1} << (i % 64);
+    // Rebuild from the finest level, which keeps its bits.
+    std::vector<std::uint64_t> finest((count + 63) / 64, 0);
+    if (m_levelCount != 0)
+        std::copy(m_words.begin(), m_words.begin() + static_cast<std::ptrdiff_t>(m_offset[1]),
+                  finest.begin());
+    std::vector<std::uint64_t> words;
+    std::size_t levels = 0;
+    std::size_t below = finest.size();
+    words = std::move(finest);
+    m_offset[0] = 0;
+    levels = 1;
+    while (below > 1) {
+        const std::size_t start = m_offset[levels - 1];
+        const std::size_t size = (below + 63) / 64;
+        m_offset[levels] = words.size();
+        words.resize(words.size() + size, 0);
+        for (std::size_t i = 0; i < below; ++i) {
+            if (words[start + i] != 0)
+                words[m_offset[levels] + i / 64] |= std::uint64_t{1} << (i % 64);
         }
-        levels.push_back(std::move(above));
+        below = size;
+        ++levels;
     }
-    m_levels.swap(levels);
+    m_offset[levels] = words.size();
+    m_words.swap(words);
+    m_levelCount = levels;
 }
 
 void StatusPool::FreeIndexSet::Set(std::size_t index) {
-    for (auto& level : m_levels) {
-        std::uint64_t& word = level[index / 64];
-        bool wasEmpty = word == 0;
+    if (index <= m_first) {
+        m_first = index;
+        m_firstExact = true;
+    }
+    std::uint64_t* words = m_words.data();
+    for (std::size_t level = 0; level < m_levelCount; ++level) {
+        std::uint64_t& word = words[m_offset[level] + index / 64];
+        const bool wasEmpty = word == 0;
         word |= std::uint64_t{1} << (index % 64);
         if (!wasEmpty)
             break;
@@ -123,9 +186,12 @@ void StatusPool::FreeIndexSet::Set(std::size_t index) {
     }
 }
 
-void StatusPool::FreeIndexSet::Clear(std::size_t index) {
-    for (auto& level : m_levels) {
-        std::uint64_t& word = level[index / 64];
+void StatusPool::FreeIndexSet::ClearFirst(std::size_t index) {
+    m_first = index + 1;
+    m_firstExact = false;
+    std::uint64_t* words = m_words.data();
+    for (std::size_t level = 0; level < m_levelCount; ++level) {
+        std::uint64_t& word = words[m_offset[level] + index / 64];
         word &= ~(std::uint64_t{1} << (index % 64));
         if (word != 0)
             break;
@@ -134,11 +200,18 @@ void StatusPool::FreeIndexSet::Clear(std::size_t index) {
 }
 
 bool StatusPool::FreeIndexSet::FindFirst(std::size_t& index) const {
-    if (m_levels.empty() || m_levels.back()[0] == 0)
+    if (m_firstExact) {
+        index = m_first;
+        return true;
+    }
+    if (m_levelCount == 0)
+        return false;
+    const std::uint64_t* words = m_words.data();
+    if (words[m_offset[m_levelCount - 1]] == 0)
         return false;
     std::size_t at = 0;
-    for (std::size_t level = m_levels.size(); level-- > 0;) {
-        std::uint64_t word = m_levels[level][at];
+    for (std::size_t level = m_levelCount; level-- > 0;) {
+        const std::uint64_t word = words[m_offset[level] + at];
         at = at * 64 + static_cast<std::size_t>(__builtin_ctzll(word));
     }
     index = at;

@@ -32,8 +32,8 @@ public:
     FreeList(const FreeList&) = delete;
     FreeList& operator=(const FreeList&) = delete;
 
-    // Lists a free chunk; its first 8 bytes then belong to the list. False (the chunk is not
-    // listed) for a chunk below 8 bytes or when memory for the bookkeeping is exhausted.
+    // Lists a free chunk. False (the chunk is not listed) for a chunk below 8 bytes, too small
+    // for any string with its header, or when memory for the bookkeeping is exhausted.
     bool Insert(char* start, std::size_t size);
     // Removes the best-fitting chunk and returns its start and size; null when none fits.
     char* TakeBestFit(std::size_t needed, std::size_t& size);
@@ -42,8 +42,9 @@ public:
     char* TakeBestFitAndSplit(std::size_t needed, std::size_t slack, std::size_t& size);
     bool HasChunkOfAtLeast(std::size_t size) const;
 
-    std::size_t GetCount() const { return m_count; }
-    std::size_t GetTotalFree() const { return m_totalFree; }
+    // Counted when asked (statistics only), which keeps the bookkeeping out of every call.
+    std::size_t GetCount() const;
+    std::size_t GetTotalFree() const;
 
     // Visits every free chunk in list order.
     template <class F> void ForEach(F&& visit) const;
@@ -54,36 +55,40 @@ public:
     void DumpStatistics(bool detail) const;
 
 private:
-    // Chunks below kSmallSizes bytes sit in one FIFO per exact size, linked through their own
-    // first 8 bytes (a free chunk's header is not needed: the list knows its size) and found
-    // through a bitmap; larger ones in an ordered multimap. Both keep the order a single
-    // multimap would. The small-chunk paths are inline: they are the cost of every AddString
-    // and RemoveString.
+    // Chunks below kSmallSizes bytes sit in one FIFO per exact size, found through a two-level
+    // bitmap (one bit per size, one summary bit per 64 sizes); larger ones in an ordered
+    // multimap. Both keep the order a single multimap would. Each FIFO is a ring of chunk
+    // addresses kept apart from the chunks: taking a chunk then never waits for the chunk's own
+    // memory, which a first-freed-first-used list has mostly let go cold. The small-chunk paths
+    // are inline: they are the cost of every AddString and RemoveString.
     static constexpr std::size_t kSmallSizes = 1024;
-    static constexpr std::size_t kLinkSize = sizeof(char*);
+    static constexpr std::size_t kMinChunk = 8;
+
+    struct Taken {
+        char* start;
+        std::size_t size;
+    };
+    struct Ring {
+        char** slots = nullptr;
+        std::uint32_t head = 0;     // slot of the first chunk
+        std::uint32_t count = 0;    // chunks listed
+        std::uint32_t capacity = 0; // slots, a power of two (or 0)
+    };
 
     std::size_t FindSmall(std::size_t needed) const;
-    void PushSmall(char* start, std::size_t size);
+    void PushSmall(char* start, std::size_t size); // the ring has room
     char* PopSmall(std::size_t size);
-    void InsertLarge(char* start, std::size_t size);
-    char* TakeLarge(std::size_t needed, std::size_t slack, std::size_t& size);
+    bool InsertSlow(char* start, std::size_t size);
+    bool Grow(Ring& ring);
+    Taken TakeLarge(std::size_t needed, std::size_t slack);
     static unsigned LowestBit(std::uint64_t bits) {
         return static_cast<unsigned>(__builtin_ctzll(bits));
     }
-    static char* NextOf(const char* chunk) {
-        char* next;
-        std::memcpy(&next, chunk, sizeof next);
-        return next;
-    }
-    static void SetNext(char* chunk, char* next) { std::memcpy(chunk, &next, sizeof next); }
 
-    char* m_head[kSmallSizes];
-    char* m_tail[kSmallSizes];
+    Ring m_rings[kSmallSizes];
     std::uint64_t m_bits[kSmallSizes / 64];
     std::uint32_t m_summary = 0;
     std::multimap<std::size_t, char*> m_large;
-    std::size_t m_count = 0;
-    std::size_t m_totalFree = 0;
 };
 
 // The smallest listed size in [needed, kSmallSizes), or kSmallSizes when there is none.
@@ -105,50 +110,35 @@ inline std::size_t FreeList::FindSmall(std::size_t needed) const {
 }
 
 inline void FreeList::PushSmall(char* start, std::size_t size) {
-    SetNext(start, nullptr);
-    if (m_tail[size] == nullptr) {
-        m_head[size] = start;
-        m_bits[size >> 6] |= std::uint64_t(1) << (size & 63);
-        m_summary |= 1u << (size >> 6);
-    } else {
-        SetNext(m_tail[size], start);
-    }
-    m_tail[size] = start;
-    ++m_count;
-    m_totalFree += size;
+    Ring& ring = m_rings[size];
+    ring.slots[(ring.head + ring.count) & (ring.capacity - 1)] = start;
+    ++ring.count;
+    // Setting the bits whether or not they were set costs less than a mispredicted branch.
+    m_bits[size >> 6] |= std::uint64_t(1) << (size & 63);
+    m_summary |= 1u << (size >> 6);
 }
 
 inline char* FreeList::PopSmall(std::size_t size) {
-    char* start = m_head[size];
-    char* next = NextOf(start);
-    m_head[size] = next;
-    if (next == nullptr) {
-        m_tail[size] = nullptr;
-        std::uint64_t& word = m_bits[size >> 6];
-        word &= ~(std::uint64_t(1) << (size & 63));
-        if (word == 0) {
-            m_summary &= ~(1u << (size >> 6));
-        }
-    }
-    --m_count;
-    m_totalFree -= size;
+    Ring& ring = m_rings[size];
+    char* start = ring.slots[ring.head];
+    ring.head = (ring.head + 1) & (ring.capacity - 1);
+    --ring.count;
+    // Clearing the bits of an emptied ring without branching: whether a ring empties depends on
+    // the sizes asked for, which no predictor follows.
+    std::uint64_t& word = m_bits[size >> 6];
+    word &= ~(std::uint64_t(ring.count == 0) << (size & 63));
+    m_summary &= ~(std::uint32_t(word == 0) << (size >> 6));
     return start;
 }
 
 inline bool FreeList::Insert(char* start, std::size_t size) {
-    if (size < kLinkSize) {
-        return false; // too small to hold a link, or any string with its header
-    }
-    if (size < kSmallSizes) {
+    if (size - kMinChunk < kSmallSizes - kMinChunk &&
+        m_rings[size].count != m_rings[size].capacity) {
         PushSmall(start, size);
         return true;
     }
-    try {
-        InsertLarge(start, size);
-    } catch (const std::exception&) {
-        return false;
-    }
-    return true;
+    // Everything else out of line, where it costs the common case no saved registers.
+    return InsertSlow(start, size);
 }
 
 inline char* FreeList::TakeBestFit(std::size_t needed, std::size_t& size) {
@@ -158,8 +148,10 @@ inline char* FreeList::TakeBestFit(std::size_t needed, std::size_t& size) {
 inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack,
                                            std::size_t& size) {
     std::size_t small = FindSmall(needed);
-    if (small == kSmallSizes) {
-        return TakeLarge(needed, slack, size);
+    if (__builtin_expect(small == kSmallSizes, 0)) {
+        Taken taken = TakeLarge(needed, slack);
+        size = taken.size;
+        return taken.start;
     }
     char* start = PopSmall(small);
     size = small;
@@ -171,8 +163,9 @@ inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack
 
 template <class F> void FreeList::ForEach(F&& visit) const {
     for (std::size_t size = 0; size < kSmallSizes; ++size) {
-        for (char* chunk = m_head[size]; chunk != nullptr; chunk = NextOf(chunk)) {
-            visit(chunk, size);
+        const Ring& ring = m_rings[size];
+        for (std::uint32_t i = 0; i < ring.count; ++i) {
+            visit(ring.slots[(ring.head + i) & (ring.capacity - 1)], size);
         }
     }
     for (const auto& entry : m_large) {

@@ -63,15 +63,20 @@ private:
     friend class Status;
 
     void ExpandMessage();
+    // Reset, then the given code and format, keeping the strings' storage for reuse.
+    void Reuse(long code, const char* format);
 
     std::int32_t m_statusCode = 0;
     std::optional<TString> m_formatStr;
     std::optional<TString> m_messageStr;
 
-    // Pool bookkeeping: the pool's own reference to this implementation and its place in the
-    // pool's list (null for an implementation that does not come from the pool).
-    const boost::shared_ptr<StatusImpl>* m_pPoolSlot = nullptr;
-    std::uint32_t m_poolIndex = 0;
+    // Pool bookkeeping: the place of this implementation in the pool's list (kNotPooled for
+    // one that does not come from the pool), and whether the pool's own reference is lent to
+    // the Status handles that use it (see StatusPool). Changed only by the pool, and only while
+    // no handle refers to the implementation.
+    static constexpr std::uint32_t kNotPooled = UINT32_MAX;
+    std::uint32_t m_poolIndex = kNotPooled;
+    bool m_lent = false;
     // Guards the lazy creation of the format and message, which happens on reads that may come
     // from several threads sharing this implementation.
     std::atomic<bool> m_prepLock{false};
@@ -129,7 +134,7 @@ public:
     }
 
     // How many references the implementation has, the pool's own included (for diagnostics).
-    long GetUseCount() const { return m_pImpl.use_count(); }
+    long GetUseCount() const { return m_pImpl.use_count() + (m_pImpl->m_lent ? 1 : 0); }
 
     static const Status& GetSucceeded();
     static const Status& GetNoValue();

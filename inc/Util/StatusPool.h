@@ -7,6 +7,14 @@
 // finds it in a few word operations whatever the number of live statuses. The list's maximum
 // length is that of the container; past it GetNewStatus throws std::length_error("list too
 // long"). Safe to call from any thread. The pool lives until the library is unloaded.
+//
+// A Status built from a code and a format does not copy the pool's reference: the pool lends
+// it, moving it into the handle, and the handle that finds itself the only holder moves it back
+// when it drops. So a status that is created and dropped costs no atomic reference-count
+// operation, while the counts that callers see (GetUseCount, the copy-on-write threshold) are
+// those of a pool that holds its reference all along. Two last holders dropping at once on two
+// threads both decrement; the one that reaches zero hands the implementation back through the
+// pool's deleter instead of deleting it.
 #pragma once
 
 #include "Util/Export.h"
@@ -43,24 +51,45 @@ private:
     friend StatusPool* GetStatusPool();
     friend struct std::default_delete<StatusPool>;
 
-    // Records that the entry at index may be free; checked again when it is taken.
-    void MarkFree(std::uint32_t index);
+    // Deletes an implementation, or hands it back to its pool when the pool's reference was
+    // lent and the pool still exists.
+    struct Deleter {
+        void operator()(StatusImpl* impl) const;
+    };
+
+    // Marks the entry at index free if only the pool refers to it.
+    void MarkFreeIfUnused(std::uint32_t index);
     // Marks every entry that only the pool refers to; called with the lock held.
     void SweepFreeEntries();
-    // GetNewStatus into an existing handle, saving a copy on the hot path.
-    void Take(boost::shared_ptr<StatusImpl>& result);
+    // Takes the first free entry (or a new one), reset. When lend is true it moves the pool's
+    // own reference into result instead of copying it, and leaves the reset to the caller,
+    // which reinitialises the implementation at once (StatusImpl::Reuse).
+    void Take(boost::shared_ptr<StatusImpl>& result, bool lend);
+    // The only holder of a lent reference returns it; impl is empty afterwards.
+    void GiveBack(boost::shared_ptr<StatusImpl>& impl);
+    // A lent implementation whose last reference dropped without being given back.
+    void Adopt(StatusImpl* impl);
 
     // Bit set over list indices with one summary level per 64-fold, so the lowest set bit is
-    // found by descending from a single top word.
+    // found by descending from a single top word. It also remembers a bound below which no bit
+    // is set, exact after a Set at or below it: a status dropped and the next one created take
+    // the same entry without a search.
     class FreeIndexSet {
     public:
         void Resize(std::size_t count);
         void Set(std::size_t index);
-        void Clear(std::size_t index);
+        // Clears the lowest set bit, found by FindFirst.
+        void ClearFirst(std::size_t index);
         bool FindFirst(std::size_t& index) const;
 
     private:
-        std::vector<std::vector<std::uint64_t>> m_levels;
+        static constexpr std::size_t kMaxLevels = 8;
+        // All levels in one array, the finest first; m_offset[level] is where each starts.
+        std::vector<std::uint64_t> m_words;
+        std::size_t m_offset[kMaxLevels] = {};
+        std::size_t m_levelCount = 0;
+        std::size_t m_first = 0;
+        bool m_firstExact = false;
     };
 
     std::deque<boost::shared_ptr<StatusImpl>> m_list;

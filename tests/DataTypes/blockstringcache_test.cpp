@@ -262,6 +262,77 @@ TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
     EXPECT_EQ(listed, expected);
 }
 
+// Equal-size chunks come back in the order they were listed, however the list grows and is
+// taken from in between, on both sides of the small/large boundary.
+TEST(FreeListOrder, EqualSizesFirstListedFirstTaken) {
+    for (size_t size : {size_t(40), size_t(1023), size_t(1024), size_t(5000)}) {
+        std::vector<std::unique_ptr<char[]>> memory;
+        Util::FreeList list;
+        std::vector<char*> expected;
+        size_t taken = 0;
+        auto take = [&] {
+            size_t got = 0;
+            char* p = list.TakeBestFit(size, got);
+            ASSERT_EQ(got, size);
+            ASSERT_EQ(p, expected[taken++]) << size;
+        };
+        for (int round = 0; round < 5; ++round) {
+            for (int i = 0; i < 7 + 9 * round; ++i) {
+                memory.emplace_back(new char[size]);
+                expected.push_back(memory.back().get());
+                ASSERT_TRUE(list.Insert(expected.back(), size));
+            }
+            for (int i = 0; i < 5 + 6 * round; ++i) {
+                take();
+            }
+        }
+        while (taken < expected.size()) {
+            take();
+        }
+        size_t got = 0;
+        EXPECT_EQ(list.TakeBestFit(size, got), nullptr);
+        EXPECT_EQ(list.GetCount(), 0u);
+    }
+}
+
+// Best fit: the smallest listed size that is large enough, whatever was freed first; the
+// remainder of a split queues behind the chunks of its size already listed.
+TEST(FreeListOrder, SmallestFittingSizeThenRemainderQueuesLast) {
+    std::vector<char> memory(4096);
+    char* base = memory.data();
+    Util::FreeList list;
+    const struct {
+        size_t offset;
+        size_t size;
+    } listed[] = {{0, 300}, {400, 60}, {500, 30}, {600, 28}, {700, 60}, {800, 2000}};
+    for (const auto& c : listed) {
+        ASSERT_TRUE(list.Insert(base + c.offset, c.size));
+    }
+    const struct {
+        size_t needed;
+        size_t offset; // of the chunk handed out
+        size_t size;   // handed out
+    } takes[] = {
+        {29, 500, 30},   // 30 beats the 60s and the 300
+        {31, 400, 31},   // the first 60, split: 29 bytes remain at 431
+        {31, 700, 31},   // the second 60, split: another 29 at 731
+        {28, 600, 28},   // exact size
+        {29, 431, 29},   // the remainders, in the order they were made
+        {29, 731, 29},   //
+        {29, 0, 29},     // then the 300, split (271 left at 29)
+        {280, 800, 280}, // 271 is too small: the 2000, split
+        {271, 29, 271},  // the remainder of the 300, handed out whole
+    };
+    for (const auto& t : takes) {
+        size_t got = 0;
+        char* p = list.TakeBestFitAndSplit(t.needed, 20, got);
+        EXPECT_EQ(p, base + t.offset) << t.needed;
+        EXPECT_EQ(got, t.size) << t.needed;
+    }
+    EXPECT_EQ(list.GetCount(), 1u);
+    EXPECT_EQ(list.GetTotalFree(), 2000u - 280u);
+}
+
 // Many strings across many small blocks, checked against a plain map after every step.
 TEST(BlockStringCacheModel, RandomOperationsKeepEveryStringIntact) {
     std::mt19937 rng(2024);

@@ -252,6 +252,57 @@ TEST(StatusPool, ReusedImplementationIsReset) {
     EXPECT_TRUE(impl->GetStatusMessage().IsEmpty());
 }
 
+// A status built on a recycled entry shows nothing of the entry's previous life, whether the
+// old format was longer or shorter, had attributes, or had an expanded message.
+TEST(StatusPool, RecycledEntryShowsOnlyItsNewContent) {
+    std::vector<Status> drained = DrainPool();
+    struct Case {
+        const char* oldFormat;
+        const char* newFormat;
+        const char* expected;
+    } cases[] = {
+        {"A long earlier format that needed its own storage %Mark%", "Short", "Short"},
+        {"Short %Mark%", "A longer new format %Mark% without the attribute",
+         "A longer new format Mark without the attribute"},
+        {"Same %Mark%", "Same %Mark%", "Same Mark"},
+    };
+    for (const Case& c : cases) {
+        const void* entry = nullptr;
+        {
+            Status old(-4, c.oldFormat);
+            old.SetAttribute("Mark", "set");
+            EXPECT_NE(Message(old).find("set"), std::string::npos);
+            entry = EntryOf(old);
+        }
+        Status fresh(7, c.newFormat);
+        EXPECT_EQ(EntryOf(fresh), entry);
+        EXPECT_EQ(fresh.GetStatusCode(), 7);
+        EXPECT_FALSE(fresh.AttributeExists("Mark"));
+        EXPECT_EQ(Message(fresh), c.expected) << c.oldFormat;
+    }
+}
+
+// The counts seen from outside are those of a pool that always holds its own reference.
+TEST(StatusPool, UseCountsIncludeThePoolsReference) {
+    Status s(-1, "counted");
+    EXPECT_EQ(s.GetUseCount(), 2);
+    {
+        Status copy = s;
+        EXPECT_EQ(s.GetUseCount(), 3);
+        Status another = copy;
+        EXPECT_EQ(another.GetUseCount(), 4);
+    }
+    EXPECT_EQ(s.GetUseCount(), 2);
+    Status assigned;
+    assigned = s;
+    EXPECT_EQ(assigned.GetUseCount(), 3);
+    assigned.SetStatusCode(-2);
+    EXPECT_EQ(assigned.GetUseCount(), 2);
+    EXPECT_EQ(s.GetUseCount(), 2);
+    EXPECT_EQ(s.GetStatusCode(), -1);
+    EXPECT_GE(Status::GetFailed().GetUseCount(), 2);
+}
+
 TEST(StatusException, CarriesAndClonesTheStatus) {
     Status s(-3, "bad %What%");
     s.SetAttribute("What", "input");
