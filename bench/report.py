@@ -4,6 +4,9 @@
 Benchmarks are paired by name: BM_Ours_<Case> against BM_Peer_<Case> (same arguments).
 BM_Ref_<Case> rows are shown as reference figures. The table goes to standard output and
 to the given Markdown file, with a note of the machine it ran on.
+
+Each benchmark runs REPETITIONS times and the table shows the median CPU time: on a machine
+shared with other work, wall time also counts the time spent waiting for a core.
 """
 import json
 import os
@@ -14,8 +17,13 @@ import sys
 import datetime
 
 
+REPETITIONS = 3
+
+
 def run(program):
-    out = subprocess.run([program, "--benchmark_format=json", "--benchmark_min_time=0.2"],
+    out = subprocess.run([program, "--benchmark_format=json", "--benchmark_min_time=0.2",
+                          f"--benchmark_repetitions={REPETITIONS}",
+                          "--benchmark_report_aggregates_only=true"],
                          check=True, capture_output=True, text=True).stdout
     return json.loads(out)
 
@@ -51,11 +59,12 @@ def main():
         times = {}
         order = []
         for b in data["benchmarks"]:
-            if b.get("run_type") == "aggregate":
+            if b.get("run_type") == "aggregate" and b.get("aggregate_name") != "median":
                 continue
+            name = b.get("run_name", b["name"])
             scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[b.get("time_unit", "ns")]
-            times[b["name"]] = b["real_time"] * scale
-            order.append(b["name"])
+            times[name] = b["cpu_time"] * scale
+            order.append(name)
         seen = set()
         for name in order:
             m = re.match(r"BM_(Ours|Peer|Ref)_(.*)$", name)
@@ -82,7 +91,8 @@ def main():
     with open(results, "w") as f:
         f.write("# Benchmark results\n\n")
         f.write(f"Run on {datetime.date.today().isoformat()}: {machine()}.\n")
-        f.write("Ratio is ours divided by peer: below 1 means ours is faster.\n\n")
+        f.write(f"Median CPU time of {REPETITIONS} runs. Ratio is ours divided by peer: below 1 "
+                "means ours is faster.\n\n")
         f.write(table + "\n")
 
 
