@@ -39,10 +39,8 @@ TEST(ZtDecimal64Construct, EveryConstructorAndSetterGivesTheLibrarysTextForm) {
         ZtDecimal64 value;
         const char* text;
     };
-    ZtDecimal64 u32, u64, i64, dbl, str;
-    u32.SetUInt32Value(4294967295u);
-    u64.SetUInt64Value(18446744073709551615ull); // 20 digits: rounded to 16
-    i64.SetInt64Value(-9007199254740993ll);
+    // The integer setters are checked against the oracle.
+    ZtDecimal64 dbl, str;
     dbl.SetDoubleValue(0.5);
     str.SetStringValue("-0012.3400");
     const Case cases[] = {
@@ -52,9 +50,6 @@ TEST(ZtDecimal64Construct, EveryConstructorAndSetterGivesTheLibrarysTextForm) {
         {ZtDecimal64("12.34"), "+1234E-2"},
         {ZtDecimal64("1E3"), "+1E+3"},
         {ZtDecimal64(nullptr), "+0E+0"},
-        {u32, "+4294967295E+0"},
-        {u64, "+1844674407370955E+4"},
-        {i64, "-9007199254740993E+0"},
         {str, "-123400E-4"},
     };
     for (const Case& c : cases) {
