@@ -101,39 +101,24 @@ TEST(Base64CoderVectors, EncodeAndDecodeTheStandardVectors) {
     }
 }
 
-TEST(Base64CoderOpenSsl, AgreesOnEveryLengthUpTo4096) {
+// Every length up to 4096 (all remainders through the bulk loops) and a few large buffers.
+TEST(Base64CoderOpenSsl, AgreesOnEveryLengthUpTo4096AndOnLargeBuffers) {
+    std::vector<size_t> lengths;
+    for (size_t n = 0; n <= 4096; ++n) {
+        lengths.push_back(n);
+    }
+    lengths.insert(lengths.end(), {size_t(1) << 20, (size_t(3) << 20) + 1, (size_t(5) << 20) + 2});
     std::mt19937 rng(4096);
     Base64Coder coder;
-    for (size_t n = 0; n <= 4096; ++n) {
+    for (size_t n : lengths) {
         auto in = RandomBytes(rng, n);
         coder.Encode(in.data(), in.size());
         std::string expected = OpenSslEncode(in);
         ASSERT_EQ(Encoded(coder), expected) << "length " << n;
-
-        std::vector<unsigned char> back(expected.size() + 1);
-        int m = EVP_DecodeBlock(back.data(), reinterpret_cast<const unsigned char*>(&expected[0]),
-                                static_cast<int>(expected.size()));
-        ASSERT_GE(m, 0);
-        // OpenSSL counts the bytes of the padding; the coder does not.
-        back.resize(static_cast<size_t>(m) - (3 - n % 3) % 3);
         coder.Decode(reinterpret_cast<const unsigned char*>(expected.data()), expected.size());
         ASSERT_EQ(coder.GetDecodedSize(), n);
-        ASSERT_EQ(0, std::memcmp(coder.DecodedMessage(), back.data(), n)) << "length " << n;
+        ASSERT_EQ(0, std::memcmp(coder.DecodedMessage(), in.data(), n)) << "length " << n;
         ASSERT_EQ(coder.DecodedMessage()[n], 0);
-    }
-}
-
-TEST(Base64CoderOpenSsl, AgreesOnLargeBuffers) {
-    std::mt19937 rng(7);
-    Base64Coder coder;
-    for (size_t n : {size_t(1) << 20, (size_t(3) << 20) + 1, (size_t(5) << 20) + 2}) {
-        auto in = RandomBytes(rng, n);
-        coder.Encode(in.data(), in.size());
-        std::string expected = OpenSslEncode(in);
-        ASSERT_EQ(Encoded(coder), expected);
-        coder.Decode(reinterpret_cast<const unsigned char*>(expected.data()), expected.size());
-        ASSERT_EQ(coder.GetDecodedSize(), n);
-        ASSERT_EQ(0, std::memcmp(coder.DecodedMessage(), in.data(), n));
     }
 }
 
@@ -161,9 +146,6 @@ TEST(Base64CoderBuffers, GrowToTheNextMultipleOf4096AndNeverShrink) {
         }
     };
     Sloppy sloppy;
-    sloppy.Decode("TQ==");
-    EXPECT_EQ(sloppy.DecodedMessage()[1], 0);
-    EXPECT_EQ(sloppy.DecodedMessage()[2], 0);
     for (Base64Coder* c : {static_cast<Base64Coder*>(&coder), static_cast<Base64Coder*>(&sloppy)}) {
         c->Encode(in.data(), in.size());
         std::string text = c->EncodedMessage();

@@ -38,12 +38,17 @@ private:
     std::vector<Report> m_reports;
 };
 
-class VariantReport : public OpsTest::OpsRunning {};
+class VariantReport : public OpsTest::OpsRunning {
+protected:
+    void SetUp() override {
+        OpsTest::OpsRunning::SetUp();
+        Util::GetOps().GetSubscriptionManager().AddSubscription("VariantCapture", nullptr,
+                                                                {capture});
+    }
+    std::shared_ptr<ReportCapture> capture = std::make_shared<ReportCapture>();
+};
 
 TEST_F(VariantReport, LostDataIsReportedOnceAsAnErrorMessage) {
-    auto capture = std::make_shared<ReportCapture>();
-    Util::GetOps().GetSubscriptionManager().AddSubscription("VariantCapture", nullptr, {capture});
-
     const Util::Variant minusOne(-1);
     Util::Variant out;
     EXPECT_FALSE(
@@ -63,8 +68,6 @@ TEST_F(VariantReport, LostDataIsReportedOnceAsAnErrorMessage) {
 }
 
 TEST_F(VariantReport, ConversionsThatFitReportNothing) {
-    auto capture = std::make_shared<ReportCapture>();
-    Util::GetOps().GetSubscriptionManager().AddSubscription("VariantCapture", nullptr, {capture});
     EXPECT_EQ(static_cast<unsigned int>(Util::Variant(4000000000LL)), 4000000000u);
     EXPECT_FALSE(static_cast<bool>(Util::Variant("no")));
     EXPECT_EQ(static_cast<int>(Util::Variant(static_cast<unsigned short>(5), Util::UTIL_VT_INT)),
