@@ -6,6 +6,17 @@
 #include <cstdlib>
 #include <cstring>
 
+// The successful paths are laid out straight; failures and new blocks go out of line.
+#if defined(_MSC_VER)
+#define BSC_NOINLINE __declspec(noinline)
+#define BSC_COLD __declspec(noinline)
+#define BSC_UNLIKELY(x) (x)
+#else
+#define BSC_NOINLINE __attribute__((noinline))
+#define BSC_COLD __attribute__((cold, noinline))
+#define BSC_UNLIKELY(x) __builtin_expect(!!(x), 0)
+#endif
+
 namespace Util {
 
 namespace {
@@ -51,8 +62,8 @@ inline char* CopyString(char* to, const char* from, std::size_t n) {
 
 // A failed call's status, reported under the calling function's name; kept out of line so that
 // the successful paths carry none of its set-up.
-[[gnu::cold, gnu::noinline]] void ReportFailure(const char* function, const char* signature,
-                                                long line, const Status& status) {
+BSC_COLD void ReportFailure(const char* function, const char* signature, long line,
+                            const Status& status) {
     LocalOps valuesLocalOps(__FILE__, line, function, signature);
     valuesLocalOps.ReportStatus(status, line);
 }
@@ -169,13 +180,13 @@ inline char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
 
 inline char* BlockStringCache::GetBytesFromCache(std::size_t byteLength) {
     char* pBytes = GetFromFreeList(byteLength);
-    if (__builtin_expect(pBytes != nullptr, 1)) {
+    if (!BSC_UNLIKELY(pBytes == nullptr)) {
         return pBytes;
     }
     return GetBytesFromNewBlock(byteLength);
 }
 
-__attribute__((noinline)) char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
+BSC_NOINLINE char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
     // A block that is still whole serves as well as a new one, so a request that fits no block
     // allocates at most one block, however often it is repeated.
     char* pBytes = nullptr;
@@ -223,7 +234,7 @@ const char* BlockStringCache::AddString(const char* s) {
     // else goes through GetBytesFromCache out of line.
     std::size_t size = 0;
     char* chunk = m_pFreeList->TakeSmallFit(byteLength + kHeaderSize, kSplitSlack, size);
-    if (__builtin_expect(chunk == nullptr, 0)) {
+    if (BSC_UNLIKELY(chunk == nullptr)) {
         return AddStringSlow(s, byteLength);
     }
     WriteHeader(chunk, size);
@@ -231,8 +242,7 @@ const char* BlockStringCache::AddString(const char* s) {
     return CopyString(chunk + kHeaderSize, s, byteLength);
 }
 
-__attribute__((noinline)) const char* BlockStringCache::AddStringSlow(const char* s,
-                                                                      std::size_t byteLength) {
+BSC_NOINLINE const char* BlockStringCache::AddStringSlow(const char* s, std::size_t byteLength) {
     char* pAlloc = GetBytesFromCache(byteLength);
     // Reported as AddString's own verification.
     if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", __FILE__, __LINE__, "AddString",

@@ -21,6 +21,10 @@
 #include <stdexcept>
 #include <vector>
 
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
+
 namespace Util {
 
 // Free chunks ordered by size, then by the order they were freed. TakeBestFit hands out the
@@ -85,7 +89,13 @@ private:
     bool Grow(Ring& ring);
     Taken TakeLarge(std::size_t needed, std::size_t slack);
     static unsigned LowestBit(std::uint64_t bits) {
+#if defined(_MSC_VER)
+        unsigned long index;
+        _BitScanForward64(&index, bits);
+        return static_cast<unsigned>(index);
+#else
         return static_cast<unsigned>(__builtin_ctzll(bits));
+#endif
     }
 
     Ring m_rings[kSmallSizes];
@@ -151,7 +161,7 @@ inline char* FreeList::TakeBestFit(std::size_t needed, std::size_t& size) {
 inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack,
                                            std::size_t& size) {
     std::size_t small = FindSmall(needed);
-    if (__builtin_expect(small == kSmallSizes, 0)) {
+    if (small == kSmallSizes) {
         Taken taken = TakeLarge(needed, slack);
         size = taken.size;
         return taken.start;
