@@ -197,7 +197,7 @@ BSC_NOINLINE char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength
     return pBytes;
 }
 
-bool BlockStringCache::ValidateBufferIsInCache(const char*) const {
+inline bool BlockStringCache::ValidateBufferIsInCache(const char*) const {
     // Looking the address up among the blocks would cost more than the removal itself; the
     // header check in ReturnToFreeList catches the common mistakes.
     return true;
