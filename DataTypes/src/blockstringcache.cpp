@@ -6,6 +6,17 @@
 #include <cstdlib>
 #include <cstring>
 
+// The successful paths are laid out straight; failures and new blocks go out of line.
+#if defined(_MSC_VER)
+#define BSC_NOINLINE __declspec(noinline)
+#define BSC_COLD __declspec(noinline)
+#define BSC_UNLIKELY(x) (x)
+#else
+#define BSC_NOINLINE __attribute__((noinline))
+#define BSC_COLD __attribute__((cold, noinline))
+#define BSC_UNLIKELY(x) __builtin_expect(!!(x), 0)
+#endif
+
 namespace Util {
 
 namespace {
@@ -32,26 +43,27 @@ template <std::size_t W> inline void CopyWords(char* to, const char* from, std::
     std::memcpy(to + n - W, from + n - W, W);
 }
 
-inline void CopyString(char* to, const char* from, std::size_t n) {
+// Returns the copy.
+inline char* CopyString(char* to, const char* from, std::size_t n) {
     if (n <= 16) {
-        if (n >= 8) {
-            CopyWords<8>(to, from, n);
-        } else {
-            std::memcpy(to, from, n);
+        if (n < 8) {
+            return static_cast<char*>(std::memcpy(to, from, n));
         }
+        CopyWords<8>(to, from, n);
     } else if (n <= 32) {
         CopyWords<16>(to, from, n);
     } else if (n <= 64) {
         CopyWords<32>(to, from, n);
     } else {
-        std::memcpy(to, from, n);
+        return static_cast<char*>(std::memcpy(to, from, n));
     }
+    return to;
 }
 
 // A failed call's status, reported under the calling function's name; kept out of line so that
 // the successful paths carry none of its set-up.
-[[gnu::cold, gnu::noinline]] void ReportFailure(const char* function, const char* signature,
-                                                long line, const Status& status) {
+BSC_COLD void ReportFailure(const char* function, const char* signature, long line,
+                            const Status& status) {
     LocalOps valuesLocalOps(__FILE__, line, function, signature);
     valuesLocalOps.ReportStatus(status, line);
 }
@@ -121,6 +133,10 @@ void BlockStringCache::FreeFreeList() {
     m_pFreeList.reset();
 }
 
+inline bool BlockStringCache::AddBufferToFreeList(char* start, std::size_t size) {
+    return m_pFreeList->Insert(start, size);
+}
+
 Status BlockStringCache::AllocateNewBlock() {
     char* pNewBlock = static_cast<char*>(std::malloc(m_blockSize == 0 ? 1 : m_blockSize));
     if (!VALUES_VERIFY(pNewBlock != NULL)) {
@@ -151,10 +167,6 @@ Status BlockStringCache::AllocateNewBlock() {
     return Status::GetSucceeded();
 }
 
-bool BlockStringCache::AddBufferToFreeList(char* start, std::size_t size) {
-    return m_pFreeList->Insert(start, size);
-}
-
 inline char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
     std::size_t needed = byteLength + kHeaderSize;
     std::size_t size = 0;
@@ -168,13 +180,13 @@ inline char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
 
 inline char* BlockStringCache::GetBytesFromCache(std::size_t byteLength) {
     char* pBytes = GetFromFreeList(byteLength);
-    if (__builtin_expect(pBytes != nullptr, 1)) {
+    if (!BSC_UNLIKELY(pBytes == nullptr)) {
         return pBytes;
     }
     return GetBytesFromNewBlock(byteLength);
 }
 
-__attribute__((noinline)) char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
+BSC_NOINLINE char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
     // A block that is still whole serves as well as a new one, so a request that fits no block
     // allocates at most one block, however often it is repeated.
     char* pBytes = nullptr;
@@ -185,7 +197,7 @@ __attribute__((noinline)) char* BlockStringCache::GetBytesFromNewBlock(std::size
     return pBytes;
 }
 
-bool BlockStringCache::ValidateBufferIsInCache(const char*) const {
+inline bool BlockStringCache::ValidateBufferIsInCache(const char*) const {
     // Looking the address up among the blocks would cost more than the removal itself; the
     // header check in ReturnToFreeList catches the common mistakes.
     return true;
@@ -218,14 +230,28 @@ const char* BlockStringCache::AddString(const char* s) {
         ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetInvalidArg());
         return nullptr;
     }
+    // The usual case, a listed chunk below 1024 bytes, calls nothing but the copy; everything
+    // else goes through GetBytesFromCache out of line.
+    std::size_t size = 0;
+    char* chunk = m_pFreeList->TakeSmallFit(byteLength + kHeaderSize, kSplitSlack, size);
+    if (BSC_UNLIKELY(chunk == nullptr)) {
+        return AddStringSlow(s, byteLength);
+    }
+    WriteHeader(chunk, size);
+    ++m_addCount;
+    return CopyString(chunk + kHeaderSize, s, byteLength);
+}
+
+BSC_NOINLINE const char* BlockStringCache::AddStringSlow(const char* s, std::size_t byteLength) {
     char* pAlloc = GetBytesFromCache(byteLength);
-    if (!VALUES_VERIFY(pAlloc != NULL)) {
+    // Reported as AddString's own verification.
+    if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", __FILE__, __LINE__, "AddString",
+                         kAddStringSig)) {
         ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetAllocFailed());
         return nullptr;
     }
-    CopyString(pAlloc, s, byteLength);
     ++m_addCount;
-    return pAlloc;
+    return CopyString(pAlloc, s, byteLength);
 }
 
 int BlockStringCache::RemoveString(const char* s) {

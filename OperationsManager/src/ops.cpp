@@ -321,7 +321,8 @@ bool Ops::MessageV(const SourceContext& context, Level level, const char* format
         return false;
     ErrorStateGuard errorState;
     const OpsDetail::FormattedText text(format, args);
-    return ReportEventHelper(kMessage, level, context, text.c_str(), format);
+    // ReportEventHelper without its second error-state guard: this one already covers it.
+    return Dispatch(kMessage, level, context, text.c_str(), format);
 }
 
 void Ops::Assert(bool, const char*, const char*, long, const char*, const char*) {
@@ -399,7 +400,7 @@ bool Ops::MessageFunctor::operator()(const char* format, ...) {
     va_start(args, format);
     const OpsDetail::FormattedText text(format, args);
     va_end(args);
-    return m_ops.ReportEventHelper(m_type, m_level, m_context, text.c_str(), format);
+    return m_ops.Dispatch(m_type, m_level, m_context, text.c_str(), format);
 }
 
 } // namespace Util

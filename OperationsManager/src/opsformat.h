@@ -4,6 +4,8 @@
 #include <cstdarg>
 #include <string>
 
+#include "Util/Export.h"
+
 namespace Util {
 namespace OpsDetail {
 
@@ -11,7 +13,7 @@ std::string FormatV(const char* format, va_list args);
 
 // The formatted text of one event: on the stack when short (most diagnostic texts are), so that
 // reporting an event allocates nothing. A null format gives an empty text.
-class FormattedText {
+class ZTUTIL_API FormattedText {
 public:
     FormattedText(const char* format, va_list args);
     FormattedText(const FormattedText&) = delete;

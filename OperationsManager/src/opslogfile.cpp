@@ -196,11 +196,13 @@ void FormatLogLineAt(const OpsEvent& event, bool stripSourceInfo, std::time_t se
         p = Put(p, ") : ", 4);
     }
     // One line per event: line breaks inside the text become spaces.
-    for (std::size_t i = 0; i < textLength; ++i) {
-        const char c = event.text[i];
-        p[i] = (c == '\n' || c == '\r') ? ' ' : c;
+    char* const textEnd = Put(p, event.text, textLength);
+    for (const char breakChar : {'\n', '\r'}) {
+        for (char* q = p; (q = static_cast<char*>(
+                               std::memchr(q, breakChar, static_cast<std::size_t>(textEnd - q))));)
+            *q++ = ' ';
     }
-    p += textLength;
+    p = textEnd;
     *p++ = '\n';
     out.SetSize(static_cast<std::size_t>(p - out.Data()));
 }

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "OperationsManager/src/opsplatform.h"
+#include "Util/Export.h"
 #include "Util/OpsFilter.h"
 
 namespace Util {
@@ -43,7 +44,7 @@ private:
 };
 
 // One log line, held on the stack when it is of ordinary length.
-class LogLine {
+class ZTUTIL_API LogLine {
 public:
     LogLine() = default;
     LogLine(const LogLine&) = delete;
@@ -67,11 +68,12 @@ private:
 // with line breaks turned into spaces:
 //   2024-03-05 14:07:09.042 [4120:4133] LVL_WARNING MESSAGE mod/a.cpp (31) : text
 void FormatLogLine(const OpsEvent& event, bool stripSourceInfo, LogLine& out);
-std::string FormatLogLine(const OpsEvent& event, bool stripSourceInfo);
+ZTUTIL_API std::string FormatLogLine(const OpsEvent& event, bool stripSourceInfo);
 
 // The same line for a given time (seconds since the epoch and milliseconds), process and thread.
-void FormatLogLineAt(const OpsEvent& event, bool stripSourceInfo, std::time_t second,
-                     unsigned millisecond, unsigned long pid, unsigned long tid, LogLine& out);
+ZTUTIL_API void FormatLogLineAt(const OpsEvent& event, bool stripSourceInfo, std::time_t second,
+                                unsigned millisecond, unsigned long pid, unsigned long tid,
+                                LogLine& out);
 
 } // namespace OpsDetail
 } // namespace Util

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "OperationsManager/src/opsfactorylookup.h"
+#include "OperationsManager/src/opsfilterdom.h"
 #include "OperationsManager/src/opshandlers.h"
 #include "Util/OpsSubscriptionManager.h"
 
@@ -26,6 +27,12 @@ struct DepthGuard {
     DepthGuard() { ++t_handlingDepth; }
     ~DepthGuard() { --t_handlingDepth; }
 };
+
+// The one test of whether a subscription's filter wants an event: its mask first (a bit test,
+// exact for type and level filters), then the filter itself.
+bool FilterWants(const OpsEventMask& mask, const OpsFilter* filter, const OpsEvent& event) {
+    return mask.Test(event.type, event.level) && (filter == nullptr || filter->Matches(event));
+}
 
 // The handlers matched for one event: inline up to a handful, on the heap beyond.
 class SmallHandlerList {
@@ -103,9 +110,7 @@ bool OpsMessageHandlerManager::HandleMessage(Ops::EventType type, Ops::Level lev
     // handlers per event is the rule, so they are collected on the stack.
     SmallHandlerList matched;
     for (const OpsSubscriptionManager::Subscription& subscription : *subscriptions) {
-        if (!subscription.mask.Test(type, level))
-            continue;
-        if (subscription.filter && !subscription.filter->Matches(event))
+        if (!FilterWants(subscription.mask, subscription.filter.get(), event))
             continue;
         for (const auto& handler : subscription.handlers)
             matched.push_back(handler.get());
@@ -134,6 +139,27 @@ bool OpsMessageHandlerManager::HandleMessage(Ops::EventType type, Ops::Level lev
         }
     }
     return handled;
+}
+
+bool OpsMessageHandlerManager::ProcessFilter(const OpsFilter* filter, Ops::EventType type,
+                                             Ops::Level level, const MessageContext& context,
+                                             const char* text) const {
+    const OpsEvent event{type, level, context, text ? text : ""};
+    bool exact = true;
+    return FilterWants(filter ? filter->GetEventMask(exact) : OpsEventMask::All(), filter, event);
+}
+
+Status OpsMessageHandlerManager::ProcessFilter(const pugi::xml_node& element, Ops::EventType type,
+                                               Ops::Level level, const MessageContext& context,
+                                               const char* text, bool& matches) const {
+    matches = false;
+    std::shared_ptr<const OpsFilter> filter;
+    Status status =
+        OpsDetail::BuildFilterDOM(OpsSubscriptionManager::GetInstance(), element, filter);
+    if (status.Failed())
+        return status;
+    matches = ProcessFilter(filter.get(), type, level, context, text);
+    return status;
 }
 
 } // namespace Util

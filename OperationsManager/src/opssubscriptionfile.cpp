@@ -5,6 +5,7 @@
 
 #include <pugixml.hpp>
 
+#include "OperationsManager/src/opsfilterdom.h"
 #include "Util/AttributeSet.h"
 #include "Util/OpsMacros.h"
 #include "Util/OpsMessageHandlerManager.h"
@@ -104,10 +105,44 @@ long LineOf(const char* text, std::size_t length, std::ptrdiff_t offset) {
 
 } // namespace
 
+namespace OpsDetail {
+
+Status BuildFilterDOM(const OpsSubscriptionManager& manager, const pugi::xml_node& element,
+                      std::shared_ptr<const OpsFilter>& out) {
+    out.reset();
+    if (!IsElement(element))
+        return Status(-14, "expected a filter element");
+    pugi::xml_node stray;
+    std::string error;
+    pugi::xml_node where;
+    if (std::strcmp(element.name(), kFilterElement) != 0) {
+        std::unique_ptr<OpsFilter> filter = BuildFilter(manager, element, 1, error, where);
+        if (!filter)
+            return Status(-14, error.c_str());
+        out = std::move(filter);
+        return Status::GetSucceeded();
+    }
+    auto all = std::unique_ptr<OpsFilterGroup>(new OpsFilterGroup(OpsFilterGroup::kAllOf));
+    if (element.first_attribute())
+        return Status(-14, "<Filter> takes no attributes");
+    if (HasStrayText(element, stray))
+        return Status(-14, "unexpected text in <Filter>");
+    for (const pugi::xml_node& filterElement : element.children()) {
+        if (!IsElement(filterElement))
+            continue;
+        std::unique_ptr<OpsFilter> filter = BuildFilter(manager, filterElement, 1, error, where);
+        if (!filter)
+            return Status(-14, error.c_str());
+        all->Add(std::move(filter));
+    }
+    out = std::move(all);
+    return Status::GetSucceeded();
+}
+
+} // namespace OpsDetail
+
 Status OpsSubscriptionManager::BuildSubscriptionDOM(const pugi::xml_node& element,
                                                     Subscription& out) const {
-    std::string error;
-    pugi::xml_node where = element;
     if (!IsElement(element) || std::strcmp(element.name(), kSubscriptionElement) != 0) {
         return Status(-14, (std::string("expected <") + kSubscriptionElement + ">, found <" +
                             element.name() + ">")
@@ -136,21 +171,9 @@ Status OpsSubscriptionManager::BuildSubscriptionDOM(const pugi::xml_node& elemen
             if (sawFilter)
                 return Status(-14, "a <Subscription> has at most one <Filter>");
             sawFilter = true;
-            auto all = std::unique_ptr<OpsFilterGroup>(new OpsFilterGroup(OpsFilterGroup::kAllOf));
-            if (child.first_attribute())
-                return Status(-14, "<Filter> takes no attributes");
-            if (HasStrayText(child, stray))
-                return Status(-14, "unexpected text in <Filter>");
-            for (const pugi::xml_node& filterElement : child.children()) {
-                if (!IsElement(filterElement))
-                    continue;
-                std::unique_ptr<OpsFilter> filter =
-                    BuildFilter(*this, filterElement, 1, error, where);
-                if (!filter)
-                    return Status(-14, error.c_str());
-                all->Add(std::move(filter));
-            }
-            out.filter = std::move(all);
+            Status status = OpsDetail::BuildFilterDOM(*this, child, out.filter);
+            if (status.Failed())
+                return status;
         } else if (std::strcmp(child.name(), kHandlersElement) == 0) {
             if (sawHandlers)
                 return Status(-14, "a <Subscription> has at most one <Handlers>");

@@ -21,6 +21,10 @@
 #include <stdexcept>
 #include <vector>
 
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
+
 namespace Util {
 
 // Free chunks ordered by size, then by the order they were freed. TakeBestFit hands out the
@@ -40,6 +44,9 @@ public:
     // TakeBestFit, then a chunk larger than needed by more than slack is split: its remainder
     // (needed bytes further on) goes back into the list and size becomes needed.
     char* TakeBestFitAndSplit(std::size_t needed, std::size_t slack, std::size_t& size);
+    // The same for the common case, inline and without calls: null, with nothing taken, when
+    // the best fit is a large chunk or listing the remainder needs more memory.
+    char* TakeSmallFit(std::size_t needed, std::size_t slack, std::size_t& size);
     bool HasChunkOfAtLeast(std::size_t size) const;
 
     // Counted when asked (statistics only), which keeps the bookkeeping out of every call.
@@ -82,7 +89,13 @@ private:
     bool Grow(Ring& ring);
     Taken TakeLarge(std::size_t needed, std::size_t slack);
     static unsigned LowestBit(std::uint64_t bits) {
+#if defined(_MSC_VER)
+        unsigned long index;
+        _BitScanForward64(&index, bits);
+        return static_cast<unsigned>(index);
+#else
         return static_cast<unsigned>(__builtin_ctzll(bits));
+#endif
     }
 
     Ring m_rings[kSmallSizes];
@@ -148,7 +161,7 @@ inline char* FreeList::TakeBestFit(std::size_t needed, std::size_t& size) {
 inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack,
                                            std::size_t& size) {
     std::size_t small = FindSmall(needed);
-    if (__builtin_expect(small == kSmallSizes, 0)) {
+    if (small == kSmallSizes) {
         Taken taken = TakeLarge(needed, slack);
         size = taken.size;
         return taken.start;
@@ -159,6 +172,26 @@ inline char* FreeList::TakeBestFitAndSplit(std::size_t needed, std::size_t slack
         size = needed;
     }
     return start;
+}
+
+inline char* FreeList::TakeSmallFit(std::size_t needed, std::size_t slack, std::size_t& size) {
+    std::size_t small = FindSmall(needed);
+    if (small == kSmallSizes) {
+        return nullptr;
+    }
+    std::size_t rest = small - needed;
+    if (rest > slack) {
+        const Ring& ring = m_rings[rest];
+        if (rest < kMinChunk || ring.count == ring.capacity) {
+            return nullptr;
+        }
+        char* start = PopSmall(small);
+        PushSmall(start + needed, rest);
+        size = needed;
+        return start;
+    }
+    size = small;
+    return PopSmall(small);
 }
 
 template <class F> void FreeList::ForEach(F&& visit) const {
@@ -218,6 +251,7 @@ private:
     Status AllocateNewBlock();
     char* GetBytesFromCache(std::size_t byteLength);
     char* GetBytesFromNewBlock(std::size_t byteLength);
+    const char* AddStringSlow(const char* s, std::size_t byteLength);
     char* GetFromFreeList(std::size_t byteLength);
     bool ReturnToFreeList(const char* s, std::size_t byteLength);
     bool AddBufferToFreeList(char* start, std::size_t size);

@@ -34,8 +34,7 @@ void RunBinaryCases(const std::vector<BinaryCase>& cases,
 } // namespace
 
 TEST_F(BalTypeAdd, EmptyErrorPercentAndKindRules) {
-    BalType errorValue = Dollar("7");
-    errorValue.SetError();
+    const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> cases = {
         {"empty + 5.00", BalEmptyDollar(), Dollar("5.00"), 0x00, "5", false},
         {"5.00 + empty", Dollar("5.00"), BalEmptyDollar(), 0x00, "5", false},
@@ -74,8 +73,7 @@ TEST_F(BalTypeAdd, ResultMayAliasAnOperandAndOperatorsAgree) {
 }
 
 TEST_F(BalTypeAdd, SubtractionNegatesTheSecondOperand) {
-    BalType errorValue = Dollar("7");
-    errorValue.SetError();
+    const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> cases = {
         {"5.00 - 7.25", Dollar("5.00"), Dollar("7.25"), 0x00, "-2.25", false},
         {"5 - uninitialised", Dollar("5"), BalType(), 0x00, "5", false},
@@ -89,8 +87,7 @@ TEST_F(BalTypeAdd, SubtractionNegatesTheSecondOperand) {
 }
 
 TEST_F(BalTypeMultiply, DollarAndQuantityResults) {
-    BalType errorValue = Dollar("7");
-    errorValue.SetError();
+    const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> dollarCases = {
         {"error", errorValue, Dollar("2"), 0x24, "0", true},
         {"empty * empty", BalEmptyQty(), BalEmptyDollar(), 0x30, "0", false},
@@ -119,8 +116,7 @@ TEST_F(BalTypeMultiply, DollarAndQuantityResults) {
 }
 
 TEST_F(BalTypeDivide, ResultIsAlwaysAQuantity) {
-    BalType errorValue = Dollar("7");
-    errorValue.SetError();
+    const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> cases = {
         {"by zero", Dollar("5"), BalType(), 0x25, "0", true},
         {"by explicit zero", Dollar("5"), Dollar("0.00"), 0x25, "0", true},
@@ -148,8 +144,7 @@ TEST_F(BalTypeDivide, ScaleComputesProductOverDivisor) {
 }
 
 TEST_F(BalTypeCompare, PickyCompareRanksErrorsPercentsAndEmpties) {
-    BalType errorValue = Dollar("7");
-    errorValue.SetError();
+    const BalType errorValue = Errored(Dollar("7"));
     BalType emptyFive = Dollar("5");
     emptyFive.SetEmptyDollar();
     emptyFive._SetZtDecimal(ZtDecimal64(5));
@@ -185,8 +180,7 @@ TEST_F(BalTypeCompare, PickyCompareRanksErrorsPercentsAndEmpties) {
 }
 
 TEST_F(BalTypeCompare, AbsCompareAndSignTests) {
-    BalType errorValue;
-    errorValue.SetError();
+    const BalType errorValue = Errored(BalType());
     EXPECT_EQ(BalAbsCompare(Dollar("-5"), Dollar("3")), 1);
     EXPECT_EQ(BalAbsCompare(Dollar("-5"), Dollar("5")), 0);
     EXPECT_EQ(BalAbsCompare(Dollar("2"), Dollar("-3")), -1);

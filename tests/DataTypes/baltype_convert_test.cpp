@@ -94,8 +94,7 @@ TEST_F(BalTypeDouble, KindFollowsDigitsBeyondTheCents) {
 }
 
 TEST_F(BalTypeDouble, Bal2DoubleScalesPercentsAndZeroesErrors) {
-    BalType errorValue;
-    errorValue.SetError();
+    const BalType errorValue = Errored(BalType());
     const struct {
         BalType value;
         double expected;
@@ -129,8 +128,7 @@ TEST_F(BalTypeKinds, PercentQuantityAndDollarConversions) {
 
     BalType dollar = Qnty2Bal(Qty("1.23456"));
     EXPECT_TRUE(dollar.IsDollar() && NumberIs(dollar, "1.23"));
-    BalType errorQty = Qty("1");
-    errorQty.SetError();
+    const BalType errorQty = Errored(Qty("1"));
     EXPECT_TRUE(Qnty2Bal(errorQty).IsQty());
 
     const struct {
@@ -147,8 +145,7 @@ TEST_F(BalTypeKinds, PercentQuantityAndDollarConversions) {
 }
 
 TEST_F(BalTypeValidate, ValidateAmountRepairsOrRejects) {
-    BalType errorValue;
-    errorValue.SetError();
+    BalType errorValue = Errored(BalType());
     EXPECT_FALSE(ValidateAmount(&errorValue));
     EXPECT_FALSE(ValidateAmount(nullptr));
 

@@ -27,6 +27,10 @@ public:
     static BalType Dollar(const char* number) { return Make(number, BalKindDollar, false); }
     static BalType Qty(const char* number) { return Make(number, BalKindQty, false); }
     static BalType Pct(const char* number) { return Make(number, BalKindQty, true); }
+    static BalType Errored(BalType value) {
+        value.SetError();
+        return value;
+    }
     static BalType Make(const char* number, BalKind kind, bool percent) {
         BalType value;
         value.SetFromDecimalWithoutLimitChecking(ZtDecimal64(number), kind, percent, false);

@@ -86,8 +86,7 @@ TEST_F(BalTypeLegacy6Bytes, FlagsRoundTrip) {
     EXPECT_EQ(back._GetMbits(), 0x09);
     EXPECT_TRUE(NumberIs(back, "12.5"));
 
-    BalType errorValue = Dollar("1");
-    errorValue.SetError();
+    const BalType errorValue = Errored(Dollar("1"));
     ResetBalTypeOverflowFlag();
     back = RoundTrip(errorValue);
     EXPECT_TRUE(back.IsError());

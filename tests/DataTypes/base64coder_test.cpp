@@ -101,39 +101,24 @@ TEST(Base64CoderVectors, EncodeAndDecodeTheStandardVectors) {
     }
 }
 
-TEST(Base64CoderOpenSsl, AgreesOnEveryLengthUpTo4096) {
+// Every length up to 4096 (all remainders through the bulk loops) and a few large buffers.
+TEST(Base64CoderOpenSsl, AgreesOnEveryLengthUpTo4096AndOnLargeBuffers) {
+    std::vector<size_t> lengths;
+    for (size_t n = 0; n <= 4096; ++n) {
+        lengths.push_back(n);
+    }
+    lengths.insert(lengths.end(), {size_t(1) << 20, (size_t(3) << 20) + 1, (size_t(5) << 20) + 2});
     std::mt19937 rng(4096);
     Base64Coder coder;
-    for (size_t n = 0; n <= 4096; ++n) {
+    for (size_t n : lengths) {
         auto in = RandomBytes(rng, n);
         coder.Encode(in.data(), in.size());
         std::string expected = OpenSslEncode(in);
         ASSERT_EQ(Encoded(coder), expected) << "length " << n;
-
-        std::vector<unsigned char> back(expected.size() + 1);
-        int m = EVP_DecodeBlock(back.data(), reinterpret_cast<const unsigned char*>(&expected[0]),
-                                static_cast<int>(expected.size()));
-        ASSERT_GE(m, 0);
-        // OpenSSL counts the bytes of the padding; the coder does not.
-        back.resize(static_cast<size_t>(m) - (3 - n % 3) % 3);
         coder.Decode(reinterpret_cast<const unsigned char*>(expected.data()), expected.size());
         ASSERT_EQ(coder.GetDecodedSize(), n);
-        ASSERT_EQ(0, std::memcmp(coder.DecodedMessage(), back.data(), n)) << "length " << n;
+        ASSERT_EQ(0, std::memcmp(coder.DecodedMessage(), in.data(), n)) << "length " << n;
         ASSERT_EQ(coder.DecodedMessage()[n], 0);
-    }
-}
-
-TEST(Base64CoderOpenSsl, AgreesOnLargeBuffers) {
-    std::mt19937 rng(7);
-    Base64Coder coder;
-    for (size_t n : {size_t(1) << 20, (size_t(3) << 20) + 1, (size_t(5) << 20) + 2}) {
-        auto in = RandomBytes(rng, n);
-        coder.Encode(in.data(), in.size());
-        std::string expected = OpenSslEncode(in);
-        ASSERT_EQ(Encoded(coder), expected);
-        coder.Decode(reinterpret_cast<const unsigned char*>(expected.data()), expected.size());
-        ASSERT_EQ(coder.GetDecodedSize(), n);
-        ASSERT_EQ(0, std::memcmp(coder.DecodedMessage(), in.data(), n));
     }
 }
 
@@ -161,9 +146,6 @@ TEST(Base64CoderBuffers, GrowToTheNextMultipleOf4096AndNeverShrink) {
         }
     };
     Sloppy sloppy;
-    sloppy.Decode("TQ==");
-    EXPECT_EQ(sloppy.DecodedMessage()[1], 0);
-    EXPECT_EQ(sloppy.DecodedMessage()[2], 0);
     for (Base64Coder* c : {static_cast<Base64Coder*>(&coder), static_cast<Base64Coder*>(&sloppy)}) {
         c->Encode(in.data(), in.size());
         std::string text = c->EncodedMessage();
@@ -191,30 +173,24 @@ TEST(Base64CoderBuffers, GrowToTheNextMultipleOf4096AndNeverShrink) {
     }
 }
 
-TEST(Base64CoderDecode, IgnoresBitSevenAndTreatsShortGroupsAsPadded) {
-    Base64Coder coder;
-    std::string high = "TWFu";
-    for (auto& c : high) {
-        c = static_cast<char>(c | 0x80);
-    }
-    coder.Decode(high.c_str());
-    EXPECT_EQ(Decoded(coder), "Man");
-
+TEST(Base64CoderDecode, TextIgnoresBitSevenAndMimeWhitespaceAndPadsShortGroups) {
     const struct {
         const char* text;
         const char* plain;
-    } cases[] = {{"TWE", "Ma"}, {"TQ", "M"}, {"T", ""}, {"TQ==TWE=", "MMa"}, {"\xD4\xD1==", "M"}};
+    } cases[] = {{"\xD4\xD7\xC6\xF5", "Man"}, // "TWFu" with bit 7 set
+                 {"TWE", "Ma"},
+                 {"TQ", "M"},
+                 {"T", ""},
+                 {"TQ==TWE=", "MMa"},
+                 {"\xD4\xD1==", "M"},
+                 {"Zm9v\r\nYmFy\t Zm9v\x07Ym\x0b\x0c"
+                  "Fy",
+                  "foobarfoobar"}};
+    Base64Coder coder;
     for (const auto& c : cases) {
         coder.Decode(c.text);
         EXPECT_EQ(Decoded(coder), c.plain) << c.text;
     }
-}
-
-TEST(Base64CoderDecode, TextSkipsMimeWhitespace) {
-    Base64Coder coder;
-    coder.Decode("Zm9v\r\nYmFy\t Zm9v\x07Ym\x0b\x0c"
-                 "Fy");
-    EXPECT_EQ(Decoded(coder), "foobarfoobar");
     // The byte form keeps every byte: a line break is then an unknown character.
     const char* text = "Zm9v\r\nYmFy";
     coder.Decode(reinterpret_cast<const unsigned char*>(text), std::strlen(text));

@@ -39,7 +39,7 @@ TEST(GuidText, FieldsFollowTheWin32Layout) {
     EXPECT_STREQ(copy, "00112233-4455-6677-8899-aabbccddeeff");
 }
 
-TEST(GuidText, MalformedTextGivesAnInvalidIdentifier) {
+TEST(GuidText, MalformedTextOrNoTextGivesAnInvalidIdentifier) {
     const char* bad[] = {
         "nonsense",
         "",
@@ -64,14 +64,11 @@ TEST(GuidText, MalformedTextGivesAnInvalidIdentifier) {
     // Text around the braces is ignored.
     Guid outside(TString("id: {6b29fc40-ca47-1067-b31d-00dd010662da} (copied)"));
     EXPECT_TRUE(outside.IsValid());
-}
-
-TEST(GuidDefault, StartsInvalidAndEqualToOtherInvalidOnes) {
-    Guid a;
-    Guid b(TString("junk"));
-    EXPECT_FALSE(a.IsValid());
-    EXPECT_STREQ(a, Guid::kInvalidText);
-    EXPECT_TRUE(a == b);
+    // A default identifier starts invalid, and equal to any other invalid one.
+    Guid fresh;
+    EXPECT_FALSE(fresh.IsValid());
+    EXPECT_STREQ(fresh, Guid::kInvalidText);
+    EXPECT_TRUE(fresh == Guid(TString("junk")));
 }
 
 TEST(GuidRenew, MakesDistinctVersion4Identifiers) {

@@ -1,5 +1,7 @@
 // Behaviour of ZtDecimal64 that the Python oracle does not cover: construction, raw bits, text
-// form, classification, the status of conversions and the intended oddities of the helpers.
+// form, classification, the status of conversions at the integer boundaries and the intended
+// oddities of the helpers. Arithmetic, comparison, rounding, the whole and fraction parts and
+// their setters are checked case by case against Python's decimal module by the oracle.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,7 +17,7 @@ std::string Text(const ZtDecimal64& d) {
 }
 } // namespace
 
-TEST(ZtDecimal64Construct, DefaultIsPositiveZeroWithExponentZero) {
+TEST(ZtDecimal64Construct, DefaultIsPositiveZeroAndNegatingItGivesNegativeZero) {
     ZtDecimal64 d;
     EXPECT_EQ(d.GetInternalToUInt64(), kZeroBits);
     EXPECT_TRUE(d.IsZero());
@@ -23,10 +25,6 @@ TEST(ZtDecimal64Construct, DefaultIsPositiveZeroWithExponentZero) {
     EXPECT_EQ(ZtDecimal64::m_internal_zero.GetInternalToUInt64(), kZeroBits);
     EXPECT_EQ(&ZtDecimal64::GetInternalZero(), &ZtDecimal64::m_internal_zero);
     EXPECT_EQ(ZtDecimal64::Zero().GetInternalToUInt64(), kZeroBits);
-}
-
-TEST(ZtDecimal64Construct, NegatingZeroGivesNegativeZero) {
-    ZtDecimal64 d;
     d.Negate();
     EXPECT_TRUE(d.IsNegative());
     EXPECT_TRUE(d.IsZero());
@@ -41,10 +39,8 @@ TEST(ZtDecimal64Construct, EveryConstructorAndSetterGivesTheLibrarysTextForm) {
         ZtDecimal64 value;
         const char* text;
     };
-    ZtDecimal64 u32, u64, i64, dbl, str;
-    u32.SetUInt32Value(4294967295u);
-    u64.SetUInt64Value(18446744073709551615ull); // 20 digits: rounded to 16
-    i64.SetInt64Value(-9007199254740993ll);
+    // The integer setters are checked against the oracle.
+    ZtDecimal64 dbl, str;
     dbl.SetDoubleValue(0.5);
     str.SetStringValue("-0012.3400");
     const Case cases[] = {
@@ -54,9 +50,6 @@ TEST(ZtDecimal64Construct, EveryConstructorAndSetterGivesTheLibrarysTextForm) {
         {ZtDecimal64("12.34"), "+1234E-2"},
         {ZtDecimal64("1E3"), "+1E+3"},
         {ZtDecimal64(nullptr), "+0E+0"},
-        {u32, "+4294967295E+0"},
-        {u64, "+1844674407370955E+4"},
-        {i64, "-9007199254740993E+0"},
         {str, "-123400E-4"},
     };
     for (const Case& c : cases) {
@@ -137,49 +130,6 @@ TEST(ZtDecimal64Convert, StatusFailsOnlyForInvalidOverflowOrUnderflow) {
     }
 }
 
-TEST(ZtDecimal64Convert, ConversionsTruncateTowardZero) {
-    ZtDecimal64::Status s;
-    EXPECT_EQ(ZtDecimal64("-7.9").GetInt32Value(s), -7);
-    EXPECT_EQ(ZtDecimal64("7.9").GetUInt64Value(s), 7u);
-    EXPECT_EQ(ZtDecimal64("1234.5678").GetDoubleValue(s), 1234.5678);
-}
-
-TEST(ZtDecimal64Parts, WholeAndFractionKeepTheirSignRules) {
-    struct Case {
-        const char* x;
-        const char* whole;
-        const char* signedWhole;
-        const char* fraction;
-    };
-    const Case cases[] = {
-        {"-1.25", "1", "-1", "0.25"},
-        {"1.25", "1", "1", "0.25"},
-        {"-0.5", "0", "-0", "0.5"},
-        {"42", "42", "42", "0"},
-    };
-    for (const Case& c : cases) {
-        ZtDecimal64 x(c.x);
-        EXPECT_TRUE(x.GetWhole() == ZtDecimal64(c.whole)) << c.x;
-        EXPECT_FALSE(x.GetWhole().IsNegative()) << c.x;
-        EXPECT_TRUE(x.GetSignedWhole() == ZtDecimal64(c.signedWhole)) << c.x;
-        EXPECT_TRUE(x.GetFraction() == ZtDecimal64(c.fraction)) << c.x;
-        // Both fraction getters are non-negative, by design.
-        EXPECT_TRUE(x.GetSignedFraction() == ZtDecimal64(c.fraction)) << c.x;
-    }
-}
-
-TEST(ZtDecimal64Parts, SetWholeAndSetFractionKeepTheReceiversSign) {
-    ZtDecimal64 neg("-3.75");
-    neg.SetWhole(ZtDecimal64(10));
-    EXPECT_EQ(Text(neg), "-1075E-2");
-    ZtDecimal64 pos("3.75");
-    pos.SetWhole(ZtDecimal64(-10)); // -10 + 0.75 made absolute
-    EXPECT_EQ(Text(pos), "+925E-2");
-    ZtDecimal64 frac("-3.75");
-    frac.SetFraction(ZtDecimal64("0.5"));
-    EXPECT_EQ(Text(frac), "-35E-1");
-}
-
 TEST(ZtDecimal64Round, PlaceHelpersRoundAtTheGivenDigit) {
     struct Case {
         const char* x;
@@ -205,21 +155,13 @@ TEST(ZtDecimal64Round, PlaceHelpersRoundAtTheGivenDigit) {
     }
 }
 
-TEST(ZtDecimal64Round, RoundUpLeavesTheValueUnchanged) {
-    ZtDecimal64 d("1.234");
-    uint64_t before = d.GetInternalToUInt64();
-    EXPECT_EQ(d.RoundUp(-2).GetInternalToUInt64(), before);
-}
-
-TEST(ZtDecimal64Round, ScalingAndFusedMultiplyAdd) {
+TEST(ZtDecimal64Round, ScalingAndTheNoOpRoundUp) {
     ZtDecimal64 d("1.5");
     EXPECT_EQ(Text(d.ScaleByPowerOf10(3)), "+15E+2");
     EXPECT_EQ(Text(ZtDecimal64::ScaleB(ZtDecimal64(7), -2)), "+7E-2");
-    // 1 + 1e-16 is lost by a separate multiply and add but kept by the fused form's single
-    // rounding, which shows in the product's low digit.
-    ZtDecimal64 a("1.000000000000001"), c("-1.000000000000002");
-    EXPECT_EQ(Text(ZtDecimal64::FMA(a, a, c)), "+1E-30");
-    EXPECT_TRUE((a * a + c).IsZero());
+    ZtDecimal64 up("1.234");
+    const uint64_t before = up.GetInternalToUInt64();
+    EXPECT_EQ(up.RoundUp(-2).GetInternalToUInt64(), before); // leaves the value as it is
 }
 
 TEST(ZtDecimal64Arith, CompoundOperatorsMatchTheBinaryOnes) {
@@ -239,16 +181,6 @@ TEST(ZtDecimal64Arith, CompoundOperatorsMatchTheBinaryOnes) {
     x = a;
     x %= b;
     EXPECT_TRUE(x == a % b);
-    EXPECT_EQ(Text(a % b), "+15E-1");                                 // truncating remainder
-    EXPECT_EQ(Text(ZtDecimal64("-10.5") % ZtDecimal64(3)), "-15E-1"); // sign of the dividend
-}
-
-TEST(ZtDecimal64Compare, NaNComparesUnequalToEverything) {
-    ZtDecimal64 nan = ZtDecimal64(0) / ZtDecimal64(0);
-    EXPECT_FALSE(nan == nan);
-    EXPECT_TRUE(nan != nan);
-    EXPECT_FALSE(nan < ZtDecimal64(1));
-    EXPECT_FALSE(nan >= ZtDecimal64(1));
 }
 
 TEST(ZtDecimal64Constants, MaxAndMinAreTheLargestDollarAmounts) {

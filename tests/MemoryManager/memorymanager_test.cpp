@@ -9,12 +9,9 @@
 
 namespace {
 
-TEST(MemoryManager, IsOneProcessWideObject) {
-    EXPECT_EQ(&Util::GetMemoryManager(), &Util::GetMemoryManager());
-}
-
-TEST(MemoryManager, AllocatesUsableAlignedBlocksAndCountsThem) {
+TEST(MemoryManager, OneProcessWideObjectAllocatesUsableAlignedBlocksAndCountsThem) {
     Util::IMemoryManager& memory = Util::GetMemoryManager();
+    EXPECT_EQ(&memory, &Util::GetMemoryManager());
     const std::size_t before = memory.GetOutstandingBlocks();
     void* zero = memory.Allocate(0);
     void* other = memory.Allocate(0);

@@ -5,5 +5,7 @@ namespace OpsTest {
 
 // The test process's id, as log lines show it.
 unsigned long ProcessId();
+// The calling thread's id, as log lines show it.
+unsigned long ThreadId();
 
 } // namespace OpsTest

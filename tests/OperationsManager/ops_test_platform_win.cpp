@@ -8,4 +8,8 @@ unsigned long ProcessId() {
     return ::GetCurrentProcessId();
 }
 
+unsigned long ThreadId() {
+    return ::GetCurrentThreadId();
+}
+
 } // namespace OpsTest

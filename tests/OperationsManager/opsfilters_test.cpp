@@ -1,5 +1,7 @@
 #include <thread>
 
+#include <pugixml.hpp>
+
 #include "OperationsManager/src/opsinifile.h"
 #include "tests/OperationsManager/ops_test_support.h"
 
@@ -202,4 +204,86 @@ TEST_F(OpsRunning, IniFileNameIsRelativeToTheOperationsDirectory) {
                                             "expected_value", "on"});
     ASSERT_TRUE(filter);
     EXPECT_TRUE(Matches(*filter, Ops::kFuncEnter, Ops::kLvlNA));
+}
+
+TEST_F(OpsRunning, ProcessFilterDecidesAsTheSameSubscriptionDoes) {
+    const struct {
+        const char* filter; // wrapped in <Filter> when it is not one
+        Ops::EventType type;
+        Ops::Level level;
+        const char* text;
+        bool matches;
+    } cases[] = {
+        {"<Filter><LEVEL_FILTER level='LVL_WARNING'/></Filter>", Ops::kMessage, Ops::kLvlError, "x",
+         true},
+        {"<Filter><LEVEL_FILTER level='LVL_WARNING'/></Filter>", Ops::kMessage,
+         Ops::kLvlInfoSummary, "x", false},
+        {"<Filter/>", Ops::kDump, Ops::kLvlNA, "x", true},
+        {"<EVENT_TYPE_FILTER type='CHECKPOINT'/>", Ops::kCheckpoint, Ops::kLvlNA, "x", true},
+        {"<EVENT_TYPE_FILTER type='CHECKPOINT'/>", Ops::kDump, Ops::kLvlNA, "x", false},
+        {"<ANY_OF><EVENT_TYPE_FILTER type='ASSERT'/><MESSAGE_FILTER regexp='disk'/></ANY_OF>",
+         Ops::kMessage, Ops::kLvlInfoDetail, "disk full", true},
+        {"<ANY_OF><EVENT_TYPE_FILTER type='ASSERT'/><MESSAGE_FILTER regexp='disk'/></ANY_OF>",
+         Ops::kMessage, Ops::kLvlInfoDetail, "memory low", false},
+        {"<Filter><EXCLUDE><FILE_NAME_FILTER regexp='^mod/'/></EXCLUDE></Filter>", Ops::kMessage,
+         Ops::kLvlError, "x", false},
+    };
+    Util::OpsSubscriptionManager& subscriptions = GetOps().GetSubscriptionManager();
+    for (const auto& c : cases) {
+        pugi::xml_document document;
+        ASSERT_TRUE(document.load_string(c.filter)) << c.filter;
+        const Util::MessageContext context("mod/src/file.cpp", 1, "F", "void F()", c.text);
+        bool matches = !c.matches;
+        const Util::Status status = GetOps().GetMessageHandlerManager().ProcessFilter(
+            document.document_element(), c.type, c.level, context, c.text, matches);
+        EXPECT_TRUE(status.Succeeded()) << c.filter << ": " << status.GetStatusMessage().c_str();
+        EXPECT_EQ(matches, c.matches) << c.filter << " / " << c.text;
+
+        // The same description as a subscription, with a recording handler.
+        const std::string filter = std::string(c.filter).rfind("<Filter", 0) == 0
+                                       ? c.filter
+                                       : std::string("<Filter>") + c.filter + "</Filter>";
+        pugi::xml_document subscription;
+        ASSERT_TRUE(subscription.load_string(
+            ("<Subscription name='P'>" + filter + "<Handlers><BREAK/></Handlers></Subscription>")
+                .c_str()));
+        Util::OpsSubscriptionManager::Subscription built;
+        ASSERT_TRUE(
+            subscriptions.BuildSubscriptionDOM(subscription.document_element(), built).Succeeded());
+        auto capture = std::make_shared<CaptureHandler>();
+        subscriptions.AddSubscription("P", built.filter, {capture});
+        EXPECT_EQ(GetOps().GetMessageHandlerManager().ProcessFilter(built.filter.get(), c.type,
+                                                                    c.level, context, c.text),
+                  c.matches);
+        GetOps().ReportEventA(c.type, c.level, context, c.text);
+        EXPECT_EQ(capture->Count(), c.matches ? 1u : 0u) << c.filter << " / " << c.text;
+        subscriptions.RemoveSubscription("P");
+    }
+}
+
+TEST(OpsFilters, ProcessFilterSaysWhyADescriptionIsWrong) {
+    const struct {
+        const char* filter;
+        const char* reason;
+    } cases[] = {
+        {"<Filter><NO_SUCH_FILTER/></Filter>", "Unknown filter \"NO_SUCH_FILTER\""},
+        {"<Filter level='LVL_WARNING'/>", "<Filter> takes no attributes"},
+        {"<LEVEL_FILTER level='LVL_LOUD'/>", "unknown level \"LVL_LOUD\""},
+        {"<LEVEL_FILTER level='LVL_NA'><DUMP/></LEVEL_FILTER>", "cannot hold other filters"},
+    };
+    const Util::MessageContext context("f.cpp", 1, "F", "F", "x");
+    for (const auto& c : cases) {
+        pugi::xml_document document;
+        ASSERT_TRUE(document.load_string(c.filter));
+        bool matches = true;
+        const Util::Status status = GetOps().GetMessageHandlerManager().ProcessFilter(
+            document.document_element(), Ops::kMessage, Ops::kLvlFatalError, context, "x", matches);
+        EXPECT_TRUE(status.Failed()) << c.filter;
+        EXPECT_NE(std::string(status.GetStatusMessage().c_str()).find(c.reason), std::string::npos)
+            << status.GetStatusMessage().c_str();
+        EXPECT_FALSE(matches);
+    }
+    EXPECT_TRUE(GetOps().GetMessageHandlerManager().ProcessFilter(nullptr, Ops::kDump, Ops::kLvlNA,
+                                                                  context, "x"))
+        << "no filter wants every event";
 }

@@ -147,14 +147,17 @@ INSTANTIATE_TEST_SUITE_P(
                       StatusCase{"a & b", Util::PNS_SYNTAX_ERROR, 3, true},
                       StatusCase{"3 := 4 +", Util::PNS_NOT_LVALUE, 4, false}));
 
-TEST(ParserExecute, WithoutATreeGivesStatusTenAndAnEmptyResult) {
+TEST(ParserExecute, WithoutATreeOrWithANullTable) {
     ExpressionParser parser;
     Variant result(5);
     EXPECT_EQ(parser.Execute(result, Util::NoSymbolTable()), Util::PNS_NO_PARSE_TREE);
     EXPECT_TRUE(result.IsEmpty());
+    ASSERT_EQ(parser.Parse("v"), Util::PNS_SUCCESS);
+    EXPECT_EQ(parser.Execute(result, static_cast<const Util::SymbolLookupValues*>(nullptr)),
+              Util::PNS_NO_SYMBOL_TABLE);
 }
 
-TEST(ParserExecute, AssignmentStoresRightToLeft) {
+TEST(ParserExecute, AssignmentStoresRightToLeftAndAFailedStoreLeavesNoError) {
     ztest::TestSymbols symbols;
     const Outcome outcome = Evaluate("a := b := 5", symbols);
     EXPECT_EQ(outcome.execute, Util::PNS_SUCCESS);
@@ -162,14 +165,11 @@ TEST(ParserExecute, AssignmentStoresRightToLeft) {
     EXPECT_EQ(symbols.stores, (std::vector<std::string>{"b", "a"}));
     EXPECT_EQ(static_cast<double>(symbols.variables["a"]), 5.0);
     EXPECT_EQ(static_cast<double>(symbols.variables["b"]), 5.0);
-}
 
-TEST(ParserExecute, AFailedStoreLeavesNoError) {
-    ztest::TestSymbols symbols;
     symbols.refuseStores = true;
-    const Outcome outcome = Evaluate("a := 2 * 3", symbols);
-    EXPECT_EQ(outcome.execute, Util::PNS_SUCCESS);
-    EXPECT_EQ(outcome.value, "6");
+    const Outcome refused = Evaluate("a := 2 * 3", symbols);
+    EXPECT_EQ(refused.execute, Util::PNS_SUCCESS);
+    EXPECT_EQ(refused.value, "6");
     EXPECT_EQ(Evaluate("a := 2", Util::NoSymbolTable()).execute, Util::PNS_SUCCESS);
 }
 
@@ -225,14 +225,6 @@ TEST(ParserExecute, MessagesCarryTheirStatusAndExactText) {
         EXPECT_EQ(outcome.execute, c.status) << c.text;
         EXPECT_EQ(outcome.value, c.value) << c.text;
     }
-}
-
-TEST(ParserExecute, ANullTableMeansNoTable) {
-    ExpressionParser parser;
-    ASSERT_EQ(parser.Parse("v"), Util::PNS_SUCCESS);
-    Variant result;
-    EXPECT_EQ(parser.Execute(result, static_cast<const Util::SymbolLookupValues*>(nullptr)),
-              Util::PNS_NO_SYMBOL_TABLE);
 }
 
 TEST(ParserTrees, CopiesEvaluateAfterTheOriginalIsGone) {

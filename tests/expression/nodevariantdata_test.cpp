@@ -24,6 +24,10 @@ NodeVariantData Text(const char* v) {
     return NodeVariantData(v);
 }
 
+constexpr Util::NodeVariantDataType L = Util::NVDT_LONG, D = Util::NVDT_DOUBLE,
+                                    S = Util::NVDT_STRING;
+constexpr Util::ParseNodeStatus ok = Util::PNS_SUCCESS, text = Util::PNS_TEXT_OPERATION;
+
 struct Expect {
     Util::NodeVariantDataType type;
     const char* text; // the value as text
@@ -41,11 +45,10 @@ TEST(NodeVariantDataActualType, FollowsWhatTheTextHolds) {
         const char* text;
         Util::NodeVariantDataType actual;
         bool valid, validInt;
-    } cases[] = {{"12", Util::NVDT_LONG, true, true},      {" 1.5", Util::NVDT_DOUBLE, true, false},
-                 {"1,5", Util::NVDT_STRING, false, false}, {"", Util::NVDT_STRING, false, false},
-                 {"-3", Util::NVDT_LONG, true, true},      {"+.25", Util::NVDT_DOUBLE, true, false},
-                 {"1e3", Util::NVDT_STRING, true, true},   {"1 ", Util::NVDT_STRING, false, false},
-                 {"-", Util::NVDT_STRING, false, false},   {"ab", Util::NVDT_STRING, false, false}};
+    } cases[] = {{"12", L, true, true},  {" 1.5", D, true, false}, {"1,5", S, false, false},
+                 {"", S, false, false},  {"-3", L, true, true},    {"+.25", D, true, false},
+                 {"1e3", S, true, true}, {"1 ", S, false, false},  {"-", S, false, false},
+                 {"ab", S, false, false}};
     for (const Case& c : cases) {
         const NodeVariantData value(c.text);
         EXPECT_EQ(value.GetDataType(), Util::NVDT_STRING) << c.text;
@@ -63,22 +66,11 @@ TEST(NodeVariantDataActualType, FollowsWhatTheTextHolds) {
 TEST(NodeVariantDataCoercion, PlusFollowsTheTableCellByCell) {
     const NodeVariantData operands[] = {None(), Long(7), Dbl(2.5), Text("ab")};
     const char* names[] = {"none", "long", "double", "text"};
-    const Expect expected[4][4] = {{{Util::NVDT_LONG, "0", Util::PNS_SUCCESS},
-                                    {Util::NVDT_LONG, "7", Util::PNS_SUCCESS},
-                                    {Util::NVDT_DOUBLE, "2.5", Util::PNS_SUCCESS},
-                                    {Util::NVDT_STRING, "ab", Util::PNS_SUCCESS}},
-                                   {{Util::NVDT_LONG, "7", Util::PNS_SUCCESS},
-                                    {Util::NVDT_LONG, "14", Util::PNS_SUCCESS},
-                                    {Util::NVDT_DOUBLE, "9.5", Util::PNS_SUCCESS},
-                                    {Util::NVDT_STRING, "7ab", Util::PNS_SUCCESS}},
-                                   {{Util::NVDT_DOUBLE, "2.5", Util::PNS_SUCCESS},
-                                    {Util::NVDT_DOUBLE, "9.5", Util::PNS_SUCCESS},
-                                    {Util::NVDT_DOUBLE, "5", Util::PNS_SUCCESS},
-                                    {Util::NVDT_STRING, "2.5ab", Util::PNS_SUCCESS}},
-                                   {{Util::NVDT_STRING, "ab", Util::PNS_SUCCESS},
-                                    {Util::NVDT_STRING, "ab7", Util::PNS_SUCCESS},
-                                    {Util::NVDT_STRING, "ab2.5", Util::PNS_SUCCESS},
-                                    {Util::NVDT_STRING, "abab", Util::PNS_SUCCESS}}};
+    const Expect expected[4][4] = {
+        {{L, "0", ok}, {L, "7", ok}, {D, "2.5", ok}, {S, "ab", ok}},
+        {{L, "7", ok}, {L, "14", ok}, {D, "9.5", ok}, {S, "7ab", ok}},
+        {{D, "2.5", ok}, {D, "9.5", ok}, {D, "5", ok}, {S, "2.5ab", ok}},
+        {{S, "ab", ok}, {S, "ab7", ok}, {S, "ab2.5", ok}, {S, "abab", ok}}};
     for (int l = 0; l < 4; ++l) {
         for (int r = 0; r < 4; ++r)
             Check(operands[l] + operands[r], expected[l][r],
@@ -86,43 +78,49 @@ TEST(NodeVariantDataCoercion, PlusFollowsTheTableCellByCell) {
     }
 }
 
-TEST(NodeVariantDataCoercion, NumericTextCountsAsItsNumber) {
-    Check(Text("12") + Long(3), {Util::NVDT_LONG, "15", Util::PNS_SUCCESS}, "\"12\" + 3");
-    Check(Text(" 1.5") + Long(1), {Util::NVDT_DOUBLE, "2.5", Util::PNS_SUCCESS}, "\" 1.5\" + 1");
-    Check(Text("1") + Text("2"), {Util::NVDT_LONG, "3", Util::PNS_SUCCESS}, "\"1\" + \"2\"");
-    Check(Text("1,5") + Long(1), {Util::NVDT_STRING, "1,51", Util::PNS_SUCCESS}, "\"1,5\" + 1");
-    Check(Text("ab") + Long(3), {Util::NVDT_STRING, "ab3", Util::PNS_SUCCESS}, "\"ab\" + 3");
-}
-
-TEST(NodeVariantDataText, OtherOperatorsDescribeTheOperation) {
+TEST(NodeVariantDataOperators, CoerceTextWrapLongsAndPropagateErrors) {
+    NodeVariantData left;
+    left.SetText("Undefined Symbol ", "x", " ", Util::PNS_UNDEFINED_SYMBOL);
+    NodeVariantData right;
+    right.SetText("Undefined Alias ", "y", " ", Util::PNS_UNDEFINED_ALIAS);
     struct Case {
         NodeVariantData value;
-        const char* text;
+        Expect expect;
+        const char* what;
     } cases[] = {
-        {Text("ab") - Long(3), "ab SUBTRACT 3"}, {Text("ab") * Dbl(0.5), "ab MULTIPLY 0.5"},
-        {Long(2) / Text("x"), "2 DIVIDE x"},     {Text("ab") & Long(1), "ab AND 1"},
-        {Text("ab") || Text("cd"), "ab OR cd"},  {-Text("ab"), " UNARYMINUS ab"},
+        // Numeric text counts as its number; other text is joined.
+        {Text("12") + Long(3), {L, "15", ok}, "\"12\" + 3"},
+        {Text(" 1.5") + Long(1), {D, "2.5", ok}, "\" 1.5\" + 1"},
+        {Text("1") + Text("2"), {L, "3", ok}, "\"1\" + \"2\""},
+        {Text("1,5") + Long(1), {S, "1,51", ok}, "\"1,5\" + 1"},
+        {Text("ab") + Long(3), {S, "ab3", ok}, "\"ab\" + 3"},
+        // Other operators on text describe the operation.
+        {Text("ab") - Long(3), {S, "ab SUBTRACT 3", text}, "text - 3"},
+        {Text("ab") * Dbl(0.5), {S, "ab MULTIPLY 0.5", text}, "text * 0.5"},
+        {Long(2) / Text("x"), {S, "2 DIVIDE x", text}, "2 / text"},
+        {Text("ab") & Long(1), {S, "ab AND 1", text}, "text & 1"},
+        {Text("ab") || Text("cd"), {S, "ab OR cd", text}, "text || text"},
+        {-Text("ab"), {S, " UNARYMINUS ab", text}, "-text"},
+        // Division by zero gives the intended limits; long division truncates.
+        {Long(7) / Long(0), {L, "2147483647", ok}, "7 / 0"},
+        {Dbl(1.0) / Long(0), {D, "1.79769e+308", ok}, "1.0 / 0"},
+        {Dbl(-1.0) / Dbl(0.0), {D, "1.79769e+308", ok}, "-1.0 / 0.0"},
+        {Long(-7) / Long(2), {L, "-3", ok}, "-7 / 2"},
+        // Longs wrap in thirty-two bits.
+        {Long(2147483647) + Long(1), {L, "-2147483648", ok}, "max + 1"},
+        {Long(-2147483647 - 1) / Long(-1), {L, "-2147483648", ok}, "min / -1"},
+        {-Long(-2147483647 - 1), {L, "-2147483648", ok}, "-min"},
+        {Long(65536) * Long(65536), {L, "0", ok}, "2^16 * 2^16"},
+        // An error operand wins, the left one first.
+        {left + right, {S, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL}, "both errors"},
+        {Long(1) * right, {S, "Undefined Alias y ", Util::PNS_UNDEFINED_ALIAS}, "right error"},
+        {left < Long(1), {S, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL}, "comparison"},
+        {-left, {S, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL}, "unary"},
     };
     for (const Case& c : cases)
-        Check(c.value, {Util::NVDT_STRING, c.text, Util::PNS_TEXT_OPERATION}, c.text);
-}
-
-TEST(NodeVariantDataArithmetic, DivisionByZeroGivesTheIntendedLimits) {
-    Check(Long(7) / Long(0), {Util::NVDT_LONG, "2147483647", Util::PNS_SUCCESS}, "7 / 0");
-    const NodeVariantData d = Dbl(1.0) / Long(0);
-    EXPECT_EQ(d.GetDataType(), Util::NVDT_DOUBLE);
-    EXPECT_EQ(static_cast<double>(d), DBL_MAX);
+        Check(c.value, c.expect, c.what);
+    EXPECT_EQ(static_cast<double>(Dbl(1.0) / Long(0)), DBL_MAX);
     EXPECT_EQ(static_cast<double>(Dbl(-1.0) / Dbl(0.0)), DBL_MAX);
-    Check(Long(-7) / Long(2), {Util::NVDT_LONG, "-3", Util::PNS_SUCCESS}, "-7 / 2 truncates");
-}
-
-TEST(NodeVariantDataArithmetic, LongsWrapInThirtyTwoBits) {
-    Check(Long(2147483647) + Long(1), {Util::NVDT_LONG, "-2147483648", Util::PNS_SUCCESS},
-          "max + 1");
-    Check(Long(-2147483647 - 1) / Long(-1), {Util::NVDT_LONG, "-2147483648", Util::PNS_SUCCESS},
-          "min / -1");
-    Check(-Long(-2147483647 - 1), {Util::NVDT_LONG, "-2147483648", Util::PNS_SUCCESS}, "-min");
-    Check(Long(65536) * Long(65536), {Util::NVDT_LONG, "0", Util::PNS_SUCCESS}, "2^16 * 2^16");
 }
 
 TEST(NodeVariantDataConversion, ToLongTruncatesAndSaturates) {
@@ -161,20 +159,6 @@ TEST(NodeVariantDataCompare, UsesToleranceForDoublesAndStrcmpForText) {
         EXPECT_EQ(c.value.GetDataType(), Util::NVDT_LONG) << c.what;
         EXPECT_EQ(static_cast<long>(c.value), c.expected) << c.what;
     }
-}
-
-TEST(NodeVariantDataErrors, LeftErrorWinsThenRight) {
-    NodeVariantData left;
-    left.SetText("Undefined Symbol ", "x", " ", Util::PNS_UNDEFINED_SYMBOL);
-    NodeVariantData right;
-    right.SetText("Undefined Alias ", "y", " ", Util::PNS_UNDEFINED_ALIAS);
-    Check(left + right, {Util::NVDT_STRING, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL},
-          "both");
-    Check(Long(1) * right, {Util::NVDT_STRING, "Undefined Alias y ", Util::PNS_UNDEFINED_ALIAS},
-          "right");
-    Check(left < Long(1), {Util::NVDT_STRING, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL},
-          "comparison");
-    Check(-left, {Util::NVDT_STRING, "Undefined Symbol x ", Util::PNS_UNDEFINED_SYMBOL}, "unary");
 }
 
 TEST(NodeVariantDataStorage, LongTextMovesToTheHeapAndBack) {

@@ -95,15 +95,13 @@ TEST(TokenizerPosition, DoesNotMoveOnBadTokenOrEnd) {
     EXPECT_EQ(end, 2);
     EXPECT_EQ(tokenizer.GetNextToken(), Tokenizer::EndOfInput);
     EXPECT_EQ(tokenizer.GetInputLineLocation(), end);
-}
 
-TEST(TokenizerPosition, ALoneDotIsBadAndStaysPut) {
-    Tokenizer tokenizer(".x");
+    tokenizer.SetBuffer(".x"); // a lone dot is no number
     EXPECT_EQ(tokenizer.GetCurrentToken(), Tokenizer::BadToken);
     EXPECT_EQ(tokenizer.GetInputLineLocation(), 0);
 }
 
-TEST(TokenizerStrings, QuotesHaveNoEscapes) {
+TEST(TokenizerStrings, QuotesHaveNoEscapesAndMustBeClosed) {
     Tokenizer tokenizer(R"("a'b\" 'x"y')");
     ASSERT_EQ(tokenizer.GetCurrentToken(), Tokenizer::StringLiteral);
     char text[32];
@@ -113,10 +111,8 @@ TEST(TokenizerStrings, QuotesHaveNoEscapes) {
     ASSERT_TRUE(tokenizer.GetString(text, sizeof text));
     EXPECT_STREQ(text, "x\"y");
     EXPECT_EQ(tokenizer.GetNextToken(), Tokenizer::EndOfInput);
-}
 
-TEST(TokenizerStrings, UnterminatedIsBadThenEnd) {
-    Tokenizer tokenizer("\"abc");
+    tokenizer.SetBuffer("\"abc"); // unterminated: bad, then the end
     EXPECT_EQ(tokenizer.GetCurrentToken(), Tokenizer::BadToken);
     EXPECT_EQ(tokenizer.GetInputLineLocation(), 4);
     EXPECT_EQ(tokenizer.GetNextToken(), Tokenizer::EndOfInput);
