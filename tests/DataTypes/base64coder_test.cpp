@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <openssl/evp.h>
 
+#include <algorithm>
 #include <cstring>
 #include <random>
 #include <string>
@@ -117,7 +118,7 @@ TEST(Base64CoderOpenSsl, AgreesOnEveryLengthUpTo4096AndOnLargeBuffers) {
         ASSERT_EQ(Encoded(coder), expected) << "length " << n;
         coder.Decode(reinterpret_cast<const unsigned char*>(expected.data()), expected.size());
         ASSERT_EQ(coder.GetDecodedSize(), n);
-        ASSERT_EQ(0, std::memcmp(coder.DecodedMessage(), in.data(), n)) << "length " << n;
+        ASSERT_TRUE(std::equal(in.begin(), in.end(), coder.DecodedMessage())) << "length " << n;
         ASSERT_EQ(coder.DecodedMessage()[n], 0);
     }
 }
