@@ -55,10 +55,21 @@ boost::shared_ptr<StatusImpl> StatusPool::GetNewStatus() {
 void StatusPool::Take(boost::shared_ptr<StatusImpl>& result, bool lend) {
     Detail::ElidableSpinGuard guard(m_lock);
     std::size_t index = 0;
-    while (m_free.FindFirst(index)) {
-        m_free.ClearFirst(index);
+    for (;;) {
+        // The spare entry was handed back by its last holder, so it is free for certain; an
+        // entry from the set may carry a stale mark and is checked.
+        bool certain = false;
+        if (m_spare != kNoSpare) {
+            index = m_spare;
+            m_spare = kNoSpare;
+            certain = true;
+        } else if (m_free.FindFirst(index)) {
+            m_free.ClearFirst(index);
+        } else {
+            break;
+        }
         boost::shared_ptr<StatusImpl>& slot = m_list[index];
-        if (slot.use_count() == 1) {
+        if (certain || slot.use_count() == 1) {
             if (lend) {
                 result = std::move(slot);
                 result->m_lent = true;
@@ -80,6 +91,7 @@ void StatusPool::Take(boost::shared_ptr<StatusImpl>& result, bool lend) {
         // Entries are marked free when their last Status handle drops. One released through
         // a bare shared pointer is not; find those once per doubling, which keeps the cost
         // of this walk constant per created entry.
+        FlushSpare();
         SweepFreeEntries();
     }
     created->m_poolIndex = static_cast<std::uint32_t>(m_list.size());
@@ -98,7 +110,7 @@ void StatusPool::GiveBack(boost::shared_ptr<StatusImpl>& impl) {
     Detail::ElidableSpinGuard guard(m_lock);
     impl->m_lent = false;
     m_list[index] = std::move(impl);
-    m_free.Set(index);
+    Free(index);
 }
 
 void StatusPool::Adopt(StatusImpl* impl) {
@@ -114,7 +126,26 @@ void StatusPool::Adopt(StatusImpl* impl) {
     Detail::ElidableSpinGuard guard(m_lock);
     impl->m_lent = false;
     m_list[index] = std::move(owner);
+    Free(index);
+}
+
+void StatusPool::Free(std::size_t index) {
+    if (m_spare == kNoSpare) {
+        if (m_free.NoneBelow(index)) {
+            m_spare = index;
+            return;
+        }
+    } else if (index < m_spare) {
+        std::swap(index, m_spare);
+    }
     m_free.Set(index);
+}
+
+void StatusPool::FlushSpare() {
+    if (m_spare != kNoSpare) {
+        m_free.Set(m_spare);
+        m_spare = kNoSpare;
+    }
 }
 
 void StatusPool::Deleter::operator()(StatusImpl* impl) const {
@@ -137,8 +168,11 @@ void StatusPool::SweepFreeEntries() {
 
 void StatusPool::MarkFreeIfUnused(std::uint32_t index) {
     Detail::ElidableSpinGuard guard(m_lock);
-    if (index < m_list.size() && m_list[index].use_count() == 1)
+    if (index < m_list.size() && m_list[index].use_count() == 1) {
+        // The entry may lie below the spare one: keep them both in the set.
+        FlushSpare();
         m_free.Set(index);
+    }
 }
 
 void StatusPool::FreeIndexSet::Resize(std::size_t count) {
@@ -197,6 +231,10 @@ void StatusPool::FreeIndexSet::ClearFirst(std::size_t index) {
             break;
         index /= 64;
     }
+}
+
+bool StatusPool::FreeIndexSet::NoneBelow(std::size_t index) const {
+    return index <= m_first || m_levelCount == 0 || m_words[m_offset[m_levelCount - 1]] == 0;
 }
 
 bool StatusPool::FreeIndexSet::FindFirst(std::size_t& index) const {

@@ -69,6 +69,10 @@ private:
     void GiveBack(boost::shared_ptr<StatusImpl>& impl);
     // A lent implementation whose last reference dropped without being given back.
     void Adopt(StatusImpl* impl);
+    // Records the entry at index as free; called with the lock held.
+    void Free(std::size_t index);
+    // Moves the spare entry into the free-entry set; called with the lock held.
+    void FlushSpare();
 
     // Bit set over list indices with one summary level per 64-fold, so the lowest set bit is
     // found by descending from a single top word. It also remembers a bound below which no bit
@@ -81,6 +85,8 @@ private:
         // Clears the lowest set bit, found by FindFirst.
         void ClearFirst(std::size_t index);
         bool FindFirst(std::size_t& index) const;
+        // True when no bit below index is set.
+        bool NoneBelow(std::size_t index) const;
 
     private:
         static constexpr std::size_t kMaxLevels = 8;
@@ -94,6 +100,10 @@ private:
 
     std::deque<boost::shared_ptr<StatusImpl>> m_list;
     FreeIndexSet m_free;
+    // The lowest free entry, kept out of the set while it is lower than every entry in it: a
+    // status dropped and the next one created pass it back and forth without touching the set.
+    static constexpr std::size_t kNoSpare = SIZE_MAX;
+    std::size_t m_spare = kNoSpare;
     std::size_t m_capacity = 0;
     mutable std::atomic<bool> m_lock{false};
 
