@@ -25,9 +25,8 @@ std::vector<std::string> Lines(const BlockStringCache& cache, bool detail) {
     std::vector<Util::TString> lines;
     cache.FormatStatistics(detail, lines);
     std::vector<std::string> out;
-    for (const auto& l : lines) {
+    for (const auto& l : lines)
         out.emplace_back(l.c_str());
-    }
     return out;
 }
 
@@ -91,9 +90,8 @@ TEST(BlockStringCacheAdd, BoundaryLengthsOfTheDefaultBlock) {
 TEST(BlockStringCacheAdd, BlocksTooSmallForAnyStringAreNotKept) {
     for (unsigned size : {0u, 1u, 5u, 9u}) {
         BlockStringCache cache(size);
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 3; ++i)
             EXPECT_EQ(cache.AddString("a"), nullptr) << size;
-        }
         EXPECT_LE(cache.GetBlockCount(), 1u) << size;
     }
     BlockStringCache smallest(10);
@@ -159,9 +157,8 @@ TEST(BlockStringCacheReplace, SameLengthInPlaceOtherwiseMoves) {
 
     // Also when the reused chunk is split inside the text being copied.
     std::string hundred(100, 'x');
-    for (size_t i = 0; i < hundred.size(); ++i) {
+    for (size_t i = 0; i < hundred.size(); ++i)
         hundred[i] = static_cast<char>('a' + i % 26);
-    }
     const char* wide = cache.AddString(hundred.c_str());
     const char* half = cache.ReplaceString(wide, wide + 50);
     EXPECT_EQ(half, wide);
@@ -229,9 +226,8 @@ TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
     for (int step = 0; step < 30000; ++step) {
         if (rng() % 2 == 0) {
             size_t size = rng() % 4 == 0 ? 900 + rng() % 300 : 8 + rng() % 120;
-            if (rng() % 200 == 0) {
+            if (rng() % 200 == 0)
                 size = 65535;
-            }
             char* p = fresh(size);
             ASSERT_TRUE(list.Insert(p, size));
             model.emplace(size, p);
@@ -241,9 +237,8 @@ TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
             // The inline path either serves the request as the general one would or declines
             // without taking anything.
             char* got = rng() % 2 == 0 ? list.TakeSmallFit(needed, 20, size) : nullptr;
-            if (got == nullptr) {
+            if (got == nullptr)
                 got = list.TakeBestFitAndSplit(needed, 20, size);
-            }
             auto it = model.lower_bound(needed);
             if (it == model.end()) {
                 ASSERT_EQ(got, nullptr) << "step " << step;
@@ -288,13 +283,11 @@ TEST(FreeListOrder, EqualSizesFirstListedFirstTaken) {
                 expected.push_back(memory.back().get());
                 ASSERT_TRUE(list.Insert(expected.back(), size));
             }
-            for (int i = 0; i < 5 + 6 * round; ++i) {
+            for (int i = 0; i < 5 + 6 * round; ++i)
                 take();
-            }
         }
-        while (taken < expected.size()) {
+        while (taken < expected.size())
             take();
-        }
         size_t got = 0;
         EXPECT_EQ(list.TakeBestFit(size, got), nullptr);
         EXPECT_EQ(list.GetCount(), 0u);
@@ -311,9 +304,8 @@ TEST(FreeListOrder, SmallestFittingSizeThenRemainderQueuesLast) {
         size_t offset;
         size_t size;
     } listed[] = {{0, 300}, {400, 60}, {500, 30}, {600, 28}, {700, 60}, {800, 2000}};
-    for (const auto& c : listed) {
+    for (const auto& c : listed)
         ASSERT_TRUE(list.Insert(base + c.offset, c.size));
-    }
     const struct {
         size_t needed;
         size_t offset; // of the chunk handed out
@@ -349,9 +341,8 @@ TEST(BlockStringCacheModel, RandomOperationsKeepEveryStringIntact) {
     auto randomText = [&rng] {
         size_t n = rng() % 3 == 0 ? rng() % 500 : rng() % 40;
         std::string s(n, ' ');
-        for (auto& c : s) {
+        for (auto& c : s)
             c = static_cast<char>('a' + rng() % 26);
-        }
         return s;
     };
     for (int step = 0; step < 20000; ++step) {
@@ -379,18 +370,16 @@ TEST(BlockStringCacheModel, RandomOperationsKeepEveryStringIntact) {
             }
         }
         if (step % 500 == 0 || step == 19999) {
-            for (const auto& entry : model) {
+            for (const auto& entry : model)
                 ASSERT_EQ(entry.second, held[entry.first]) << "step " << step;
-            }
         }
     }
     EXPECT_GT(cache.GetBlockCount(), 10u);
     // Every byte of every block is either free or held by a live chunk.
     size_t live = 0;
     for (const auto& entry : held) {
-        if (!entry.second[0]) {
+        if (!entry.second[0])
             continue;
-        }
         live += HeaderOf(entry.second);
     }
     EXPECT_EQ(live + cache.GetFreeList()->GetTotalFree(), cache.GetBlockCount() * 512);
@@ -405,9 +394,8 @@ protected:
     std::vector<std::string> Texts(Util::Ops::EventType type) const {
         std::vector<std::string> texts;
         for (const auto& e : m_events->Events()) {
-            if (e.type == type) {
+            if (e.type == type)
                 texts.push_back(e.text);
-            }
         }
         return texts;
     }
@@ -445,9 +433,8 @@ TEST_F(BlockStringCacheReporting, FailuresRaiseNamedVerificationsAndReportStatus
                               "Util::BlockStringCache::ReplaceString, signature = ",
                               "Status Reported: Failed, function = "
                               "Util::BlockStringCache::AddString, signature = "};
-    for (size_t i = 0; i < 4; ++i) {
+    for (size_t i = 0; i < 4; ++i)
         EXPECT_EQ(statuses[i].rfind(expected[i], 0), 0u) << statuses[i];
-    }
 }
 
 TEST_F(BlockStringCacheReporting, StatisticsAreWrittenAsDumpEvents) {
@@ -459,9 +446,8 @@ TEST_F(BlockStringCacheReporting, StatisticsAreWrittenAsDumpEvents) {
     cache.DumpStatistics(true);
     auto dumped = Texts(Util::Ops::kDump);
     ASSERT_EQ(dumped.size(), lines.size());
-    for (size_t i = 0; i < lines.size(); ++i) {
+    for (size_t i = 0; i < lines.size(); ++i)
         EXPECT_EQ(dumped[i], lines[i].c_str());
-    }
     // The flag writes them once more when the cache is freed.
     cache.FreeCache();
     EXPECT_EQ(Texts(Util::Ops::kDump).size(), 2 * lines.size());

@@ -22,7 +22,7 @@ bool CallProcess(Ops::AssertFunctor& functor, const char*& format, ...) {
 
 } // namespace
 
-TEST(OpsKeywords, EveryKeywordMapsToItsValueAndBack) {
+TEST(OpsKeywords, EveryKeywordMapsToItsValueAndBackOthersOutOfRange) {
     const char* const types[] = {
         "FUNC_ENTER",    "FUNC_STATUS",     "FUNC_EXIT",  "ASSERT",           "VERIFY",
         "MESSAGE",       "CHECKPOINT",      "DUMP",       "OBJECT_CONSTRUCT", "OBJECT_COPY",
@@ -40,14 +40,10 @@ TEST(OpsKeywords, EveryKeywordMapsToItsValueAndBack) {
     }
     EXPECT_STREQ(Ops::kSendErrorStr, "SEND_ERROR");
     EXPECT_STREQ(Ops::kLvlSevereErrorStr, "LVL_SEVERE_ERROR");
-}
-
-TEST(OpsKeywords, UnknownKeywordsMapOutOfRange) {
-    const struct {
-        const char* text;
-    } cases[] = {{"func_enter"}, {"FUNC_ENTER "}, {""}, {nullptr}, {"LVL_WARNING"}};
-    for (const auto& c : cases)
-        EXPECT_EQ(Ops::MapEventTypeStrToEventType(c.text), 14) << (c.text ? c.text : "null");
+    // Unknown keywords map out of range, both ways.
+    for (const char* text :
+         {"func_enter", "FUNC_ENTER ", "", static_cast<const char*>(nullptr), "LVL_WARNING"})
+        EXPECT_EQ(Ops::MapEventTypeStrToEventType(text), 14) << (text ? text : "null");
     EXPECT_EQ(Ops::MapLevelStrToLevel("lvl_warning"), 7);
     EXPECT_EQ(Ops::MapLevelStrToLevel("MESSAGE"), 7);
     EXPECT_EQ(Ops::MapLevelStrToLevel(nullptr), 7);
@@ -142,7 +138,8 @@ TEST(OpsLifecycle, AfterEndEventsAreDroppedNotQueued) {
     });
 }
 
-TEST_F(OpsRunning, NothingIsActiveWithoutSubscriptions) {
+TEST_F(OpsRunning, ActivityFollowsSubscriptions) {
+    // Nothing is active without subscriptions.
     for (int t = 0; t < 14; ++t) {
         EXPECT_FALSE(GetOps().IsEventActive(static_cast<Ops::EventType>(t)));
         for (int l = 0; l < 7; ++l)
@@ -151,9 +148,7 @@ TEST_F(OpsRunning, NothingIsActiveWithoutSubscriptions) {
     }
     EXPECT_FALSE(GetOps().IsLevelActive(Ops::kLvlFatalError));
     EXPECT_FALSE(GetOps().ReportEventA(Ops::kMessage, Ops::kLvlError, kHere, "nobody"));
-}
 
-TEST_F(OpsRunning, ActivityFollowsSubscriptions) {
     auto warnings = Subscribe("LEVEL_FILTER", "level", "LVL_WARNING");
     EXPECT_TRUE(GetOps().IsEventActive(Ops::kFuncEnter)); // at a warning level it would pass
     EXPECT_FALSE(Ops::IsEventLevelActive(Ops::kFuncEnter, Ops::kLvlNA));
@@ -226,7 +221,7 @@ TEST_F(OpsRunning, MessageNeedsTypeAndLevelButFunctorEither) {
         Ops::MessageFunctor(ops, Ops::kLvlFatalError, Ops::kMessage, "f", 1, "F", "F")(nullptr));
 }
 
-TEST_F(OpsRunning, AssertFunctorReplacesANullFormat) {
+TEST_F(OpsRunning, AssertFunctorReplacesANullFormatInPlace) {
     auto all = Subscribe();
     Ops::AssertFunctor functor(GetOps(), "a.cpp", 7, "A", "void A()");
     EXPECT_TRUE(functor(true, nullptr));
@@ -241,11 +236,8 @@ TEST_F(OpsRunning, AssertFunctorReplacesANullFormat) {
     Ops::AssertFunctor custom(GetOps(), "a.cpp", 8, "A", "void A()", Ops::kDeprecated);
     EXPECT_TRUE(custom(true, "old"));
     EXPECT_EQ(all->Events().back().type, Ops::kDeprecated);
-}
 
-TEST_F(OpsRunning, AssertFunctorChangesTheCallersNullPointer) {
-    auto all = Subscribe();
-    Ops::AssertFunctor functor(GetOps(), "a.cpp", 7, "A", "void A()");
+    // The replacement is written back into the caller's format pointer.
     const char* format = nullptr;
     EXPECT_TRUE(CallProcess(functor, format));
     EXPECT_STREQ(format, "Assert/Verify failed with no error message");

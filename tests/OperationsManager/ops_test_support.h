@@ -8,6 +8,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <mutex>
 #include <random>
 #include <sstream>
@@ -115,6 +116,14 @@ private:
     bool m_result = true;
 };
 
+// Attributes from name, value, name, value...
+inline Util::AttributeSet Attributes(std::initializer_list<const char*> pairs) {
+    Util::AttributeSet attributes;
+    for (auto it = pairs.begin(); it != pairs.end(); it += 2)
+        attributes.SetAttribute(*it, *(it + 1));
+    return attributes;
+}
+
 // Subscribes a capture handler with the filter built from keyword and attributes (no filter when
 // keyword is null) under the name "Capture".
 inline std::shared_ptr<CaptureHandler>
@@ -122,11 +131,9 @@ Subscribe(const char* keyword = nullptr, const char* name = nullptr, const char*
     auto handler = std::make_shared<CaptureHandler>();
     std::shared_ptr<const Util::OpsFilter> filter;
     if (keyword) {
-        Util::AttributeSet attributes;
-        if (name)
-            attributes.SetAttribute(name, value);
         Util::TString error;
-        filter = Util::GetOps().GetSubscriptionManager().CreateFilter(keyword, attributes, error);
+        filter = Util::GetOps().GetSubscriptionManager().CreateFilter(
+            keyword, name ? Attributes({name, value}) : Util::AttributeSet(), error);
         EXPECT_TRUE(filter) << error.c_str();
     }
     Util::GetOps().GetSubscriptionManager().AddSubscription("Capture", filter, {handler});

@@ -16,11 +16,8 @@ using namespace OpsTest;
 namespace {
 
 std::unique_ptr<OpsFilter> Make(const char* keyword, std::initializer_list<const char*> pairs) {
-    AttributeSet attributes;
-    for (auto it = pairs.begin(); it != pairs.end(); it += 2)
-        attributes.SetAttribute(*it, *(it + 1));
     Util::TString error;
-    auto filter = GetOps().GetSubscriptionManager().CreateFilter(keyword, attributes, error);
+    auto filter = GetOps().GetSubscriptionManager().CreateFilter(keyword, Attributes(pairs), error);
     EXPECT_TRUE(filter) << keyword << ": " << error.c_str();
     return filter;
 }
@@ -152,12 +149,11 @@ TEST(OpsFilters, IniValueFilterFollowsTheFile) {
     auto missing = Make("INI_VALUE_FILTER", {"file_name", dir.File("none.ini").c_str(), "group",
                                              "Logging/Trace", "expected_value", "on"});
     EXPECT_FALSE(Matches(*missing, Ops::kMessage, Ops::kLvlNA));
-    AttributeSet noKey;
-    noKey.SetAttribute("file_name", "a.ini");
-    noKey.SetAttribute("group", "Logging");
-    noKey.SetAttribute("expected_value", "1");
     Util::TString error;
-    EXPECT_FALSE(GetOps().GetSubscriptionManager().CreateFilter("INI_VALUE_FILTER", noKey, error));
+    EXPECT_FALSE(GetOps().GetSubscriptionManager().CreateFilter(
+        "INI_VALUE_FILTER",
+        Attributes({"file_name", "a.ini", "group", "Logging", "expected_value", "1"}), error))
+        << "a group without a key";
 }
 
 TEST(OpsIniReader, FirstValueWinsAndNamesIgnoreCase) {

@@ -19,11 +19,9 @@ namespace {
 
 std::shared_ptr<Util::OpsMessageHandler> MakeHandler(const char* keyword,
                                                      std::initializer_list<const char*> pairs) {
-    AttributeSet attributes;
-    for (auto it = pairs.begin(); it != pairs.end(); it += 2)
-        attributes.SetAttribute(*it, *(it + 1));
     Util::TString error;
-    auto handler = GetOps().GetMessageHandlerManager().CreateHandler(keyword, attributes, error);
+    auto handler =
+        GetOps().GetMessageHandlerManager().CreateHandler(keyword, Attributes(pairs), error);
     EXPECT_TRUE(handler) << keyword << ": " << error.c_str();
     return handler;
 }
@@ -36,7 +34,8 @@ void SubscribeHandler(std::shared_ptr<Util::OpsMessageHandler> handler) {
 
 using OpsHandlers = OpsRunning;
 
-TEST_F(OpsHandlers, LogLineCarriesTimeIdsKeywordsPrefixAndOneLineText) {
+TEST_F(OpsHandlers, LogLineIsAppendedWithTimeIdsKeywordsPrefixAndOneLineText) {
+    m_dir.Write("full.log", "earlier line\n");
     SubscribeHandler(MakeHandler("LOG_TO_FILE", {"file_name", "full.log"}));
     SubscribeHandler(
         MakeHandler("LOG_TO_FILE", {"file_name", "short.log", "strip_source_info", "true"}));
@@ -45,21 +44,12 @@ TEST_F(OpsHandlers, LogLineCarriesTimeIdsKeywordsPrefixAndOneLineText) {
                           "two\nlines\r");
     const std::string pid = std::to_string(ProcessId());
     const std::regex full(
-        R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[)" + pid +
+        R"(earlier line\n\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \[)" + pid +
         R"(:\d+\] LVL_SEVERE_ERROR SEND_ERROR mod/src/a\.cpp \(31\) : two lines \n)");
     const std::regex stripped(R"(\S+ \S+ \[)" + pid +
                               R"(:\d+\] LVL_SEVERE_ERROR SEND_ERROR two lines \n)");
     EXPECT_TRUE(std::regex_match(m_dir.Read("full.log"), full)) << m_dir.Read("full.log");
     EXPECT_TRUE(std::regex_match(m_dir.Read("short.log"), stripped)) << m_dir.Read("short.log");
-}
-
-TEST_F(OpsHandlers, LogFileIsAppendedNotReplaced) {
-    m_dir.Write("kept.log", "earlier line\n");
-    SubscribeHandler(MakeHandler("LOG_TO_FILE", {"file_name", "kept.log"}));
-    GetOps().ReportEventA(Ops::kDump, Ops::kLvlNA, Util::SourceContext(), "later line");
-    const std::string log = m_dir.Read("kept.log");
-    EXPECT_EQ(log.rfind("earlier line\n", 0), 0u) << log;
-    EXPECT_NE(log.find("later line"), std::string::npos);
 }
 
 TEST_F(OpsHandlers, UnopenableLogFileIsNotHandledAndDoesNotThrow) {

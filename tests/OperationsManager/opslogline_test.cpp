@@ -74,7 +74,7 @@ std::string Line(const Util::OpsEvent& event, bool strip, std::time_t second, un
 
 } // namespace
 
-TEST(OpsMessageFormat, UsualConversionsMatchTheCLibrary) {
+TEST(OpsMessageFormat, ConversionsAndLongTextsMatchTheCLibrary) {
     EXPECT_FORMATS_AS_LIBC("no conversion at all");
     EXPECT_FORMATS_AS_LIBC("");
     EXPECT_FORMATS_AS_LIBC("%d|%i|%d|%d", 0, -1, INT_MIN, INT_MAX);
@@ -87,15 +87,12 @@ TEST(OpsMessageFormat, UsualConversionsMatchTheCLibrary) {
     EXPECT_FORMATS_AS_LIBC("100%% of %s%%", "ledger");
     EXPECT_FORMATS_AS_LIBC("%s", static_cast<const char*>(nullptr));
     EXPECT_FORMATS_AS_LIBC("Posting batch %d of %s", 42, "ledger");
-}
-
-TEST(OpsMessageFormat, OtherConversionsAndLongTextsAreTheCLibrarys) {
+    // Conversions left to the C library, and texts around the stack buffer's size.
     EXPECT_FORMATS_AS_LIBC("%5d|%-5d|%05d|%+d|% d", 42, 42, 42, 42, 42);
     EXPECT_FORMATS_AS_LIBC("%.2f|%e|%g", 3.14159, 1e10, 0.5);
     EXPECT_FORMATS_AS_LIBC("%10s|%-10s|%.3s", "right", "left", "truncated");
     EXPECT_FORMATS_AS_LIBC("%hd|%hhu|%#x|%o", 70000, 300, 255u, 8u);
     EXPECT_FORMATS_AS_LIBC("%d then %5.1f", 7, 2.25); // falls back after a simple start
-    // Around the stack buffer's size, and far beyond it.
     for (const std::size_t length : {510u, 511u, 512u, 513u, 5000u}) {
         const std::string text(length, 'x');
         EXPECT_FORMATS_AS_LIBC("%s", text.c_str());
