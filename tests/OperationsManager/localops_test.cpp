@@ -35,7 +35,7 @@ Status LastStatus() {
 
 using LocalOpsRunning = OpsRunning;
 
-TEST_F(LocalOpsRunning, EntryAndExitAreReportedWhenWanted) {
+TEST_F(LocalOpsRunning, EntryExitAndStatusAreReportedWhenWanted) {
     auto enter = Subscribe("EVENT_TYPE_FILTER", "type", "FUNC_ENTER");
     auto exit = Subscribe("EVENT_TYPE_FILTER", "type", "FUNC_EXIT");
     { LocalOps local(Util::SourceContext("a.cpp", 5, "Work", "void Work()")); }
@@ -44,9 +44,7 @@ TEST_F(LocalOpsRunning, EntryAndExitAreReportedWhenWanted) {
     EXPECT_EQ(enter->Events()[0].text, "Function Entered: Work");
     EXPECT_EQ(exit->Events()[0].text, "Function Exited: Work");
     EXPECT_EQ(exit->Events()[0].type, Ops::kFuncExit);
-}
 
-TEST_F(LocalOpsRunning, StatusReportNamesStatusFunctionAndSignature) {
     auto statuses = Subscribe("EVENT_TYPE_FILTER", "type", "FUNC_STATUS");
     LocalOps local("b.cpp", 1, "Load", "int Load(const char*)");
     const Status returned = local.ReportStatus(Status(-8, "Not found"), 77);

@@ -171,19 +171,6 @@ TEST_F(OpsRunning, CrashDumpMessageIsHandledButReportedAsNot) {
         GetOps().ReportEventA(Ops::kMessage, Ops::kLvlError, kHere, "301 or 305 crash dump!"));
 }
 
-TEST_F(OpsRunning, VerifyReportsTheExpressionWhenFalse) {
-    auto all = Subscribe();
-    EXPECT_TRUE(GetOps().Verify(true, "p != NULL", "f.cpp", 3, "F", "void F()"));
-    EXPECT_EQ(all->Count(), 0u);
-    EXPECT_FALSE(GetOps().Verify(false, "p != NULL", "f.cpp", 3, "F", "void F()"));
-    ASSERT_EQ(all->Count(), 1u);
-    EXPECT_EQ(all->Events()[0].type, Ops::kVerify);
-    EXPECT_EQ(all->Events()[0].level, Ops::kLvlNA);
-    EXPECT_EQ(all->Events()[0].text, "(p != NULL) is false");
-    GetOps().Assert(false, "x", "f.cpp", 4, "F", "void F()");
-    EXPECT_EQ(all->Count(), 1u) << "Ops::Assert reports nothing";
-}
-
 TEST_F(OpsRunning, MessageNeedsTypeAndLevelButFunctorEither) {
     // Wanted: type CHECKPOINT at any level, and level LVL_ERROR and worse of any type.
     auto checkpoints = Subscribe("EVENT_TYPE_FILTER", "type", "CHECKPOINT");
@@ -243,23 +230,31 @@ TEST_F(OpsRunning, AssertFunctorReplacesANullFormatInPlace) {
     EXPECT_STREQ(format, "Assert/Verify failed with no error message");
 }
 
-TEST_F(OpsRunning, MacrosCarryTheSourceContext) {
+TEST_F(OpsRunning, VerifyAndMacrosReportTheExpressionAndSourceContext) {
     auto all = Subscribe();
+    EXPECT_TRUE(GetOps().Verify(true, "p != NULL", "f.cpp", 3, "F", "void F()"));
+    EXPECT_EQ(all->Count(), 0u);
+    GetOps().Assert(false, "x", "f.cpp", 4, "F", "void F()"); // Ops::Assert reports nothing
+    EXPECT_EQ(all->Count(), 0u);
+    EXPECT_FALSE(GetOps().Verify(false, "p != NULL", "f.cpp", 3, "F", "void F()"));
     const int value = 7;
     EXPECT_FALSE(ZT_VERIFY(value == 8));
     ZT_ASSERT(value < 0);
     ZT_MESSAGE(Ops::kLvlWarning, "value %d", value);
     ZT_EVENT(Ops::kSendError, Ops::kLvlError, "send %s", "it");
     const auto events = all->Events();
-    ASSERT_EQ(events.size(), 4u);
-    EXPECT_EQ(events[0].text, "(value == 8) is false");
-    EXPECT_EQ(events[1].text, "(value < 0) is false");
-    EXPECT_EQ(events[1].type, Ops::kAssert);
-    EXPECT_EQ(events[2].text, "value 7");
-    EXPECT_EQ(events[2].level, Ops::kLvlWarning);
-    EXPECT_EQ(events[3].type, Ops::kSendError);
-    for (const Captured& e : events)
-        EXPECT_EQ(e.function, "TestBody");
+    ASSERT_EQ(events.size(), 5u);
+    EXPECT_EQ(events[0].type, Ops::kVerify);
+    EXPECT_EQ(events[0].level, Ops::kLvlNA);
+    EXPECT_EQ(events[0].text, "(p != NULL) is false");
+    EXPECT_EQ(events[1].text, "(value == 8) is false");
+    EXPECT_EQ(events[2].text, "(value < 0) is false");
+    EXPECT_EQ(events[2].type, Ops::kAssert);
+    EXPECT_EQ(events[3].text, "value 7");
+    EXPECT_EQ(events[3].level, Ops::kLvlWarning);
+    EXPECT_EQ(events[4].type, Ops::kSendError);
+    for (std::size_t i = 1; i < events.size(); ++i)
+        EXPECT_EQ(events[i].function, "TestBody") << i;
 }
 
 TEST(OpsLifecycle, AFullQueueDropsEarlyEventsAndSaysSoAtBegin) {

@@ -129,50 +129,41 @@ TEST(OpsLogLine, FieldsAreExactForEveryShapeOfEvent) {
     const Util::MessageContext noFile(nullptr, -3, nullptr, nullptr, nullptr);
     const std::string longText(3000, 'y');
     const struct {
-        Util::OpsEvent event;
+        Ops::EventType type;
+        Ops::Level level;
+        const Util::MessageContext& context;
+        std::string text;
         bool strip;
         unsigned long pid, tid;
         std::string expected;
     } cases[] = {
-        {{Ops::kFuncEnter, Ops::kLvlNA, full, "in"},
-         false,
-         1,
-         2,
-         "2024-02-29 23:59:59.250 [1:2] LVL_NA FUNC_ENTER x/b.cpp (7) : in\n"},
-        {{Ops::kSendError, Ops::kLvlSevereError, full, "a\nb\r\nc"},
-         true,
-         1,
-         2,
-         "2024-02-29 23:59:59.250 [1:2] LVL_SEVERE_ERROR SEND_ERROR a b  c\n"},
-        {{Ops::kDump, Ops::kLvlInfoDetail, noFile, ""},
-         false,
-         4294967295ul,
-         99,
-         "2024-02-29 23:59:59.250 [4294967295:99] LVL_INFO_DETAIL DUMP  (-3) : \n"},
+        {Ops::kFuncEnter, Ops::kLvlNA, full, "in", false, 1, 2,
+         "[1:2] LVL_NA FUNC_ENTER x/b.cpp (7) : in\n"},
+        {Ops::kSendError, Ops::kLvlSevereError, full, "a\nb\r\nc", true, 1, 2,
+         "[1:2] LVL_SEVERE_ERROR SEND_ERROR a b  c\n"},
+        {Ops::kDump, Ops::kLvlInfoDetail, noFile, "", false, 4294967295ul, 99,
+         "[4294967295:99] LVL_INFO_DETAIL DUMP  (-3) : \n"},
         // The ids change in the same thread only after a fork; the cached text follows them.
-        {{Ops::kDump, Ops::kLvlInfoDetail, full, "forked"},
-         true,
-         5,
-         5,
-         "2024-02-29 23:59:59.250 [5:5] LVL_INFO_DETAIL DUMP forked\n"},
-        {{Ops::kUnknownEventType, Ops::kUnknownLevel, full, "odd"},
-         true,
-         1,
-         2,
-         "2024-02-29 23:59:59.250 [1:2] UNKNOWN OPS EVENT LEVEL UNKNOWN OPS EVENT odd\n"},
-        {{Ops::kMessage, Ops::kLvlError, full, longText.c_str()},
-         false,
-         1,
-         2,
-         "2024-02-29 23:59:59.250 [1:2] LVL_ERROR MESSAGE x/b.cpp (7) : " + longText + "\n"},
+        {Ops::kDump, Ops::kLvlInfoDetail, full, "forked", true, 5, 5,
+         "[5:5] LVL_INFO_DETAIL DUMP forked\n"},
+        {Ops::kUnknownEventType, Ops::kUnknownLevel, full, "odd", true, 1, 2,
+         "[1:2] UNKNOWN OPS EVENT LEVEL UNKNOWN OPS EVENT odd\n"},
+        {Ops::kMessage, Ops::kLvlError, full, longText, false, 1, 2,
+         "[1:2] LVL_ERROR MESSAGE x/b.cpp (7) : " + longText + "\n"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(Line(c.event, c.strip, s, 250, c.pid, c.tid), c.expected);
+    for (const auto& c : cases) {
+        const Util::OpsEvent event{c.type, c.level, c.context, c.text.c_str()};
+        EXPECT_EQ(Line(event, c.strip, s, 250, c.pid, c.tid),
+                  "2024-02-29 23:59:59.250 " + c.expected);
+    }
 }
 
+// An event formatted through the per-thread caches.
+const Util::MessageContext kThreadContext("t.cpp", 1, "T", "void T()", nullptr);
+const Util::OpsEvent kThreadEvent{Ops::kMessage, Ops::kLvlWarning, kThreadContext, "x"};
+
 TEST(OpsLogLine, EachThreadShowsItsOwnIdAndTheProcesss) {
-    const Util::MessageContext context("t.cpp", 1, "T", "void T()", nullptr);
-    const Util::OpsEvent event{Ops::kMessage, Ops::kLvlWarning, context, "x"};
+    const Util::OpsEvent& event = kThreadEvent;
     const std::regex ids(R"(^\S+ \S+ \[(\d+):(\d+)\] )");
     constexpr int kThreads = 4;
     std::vector<std::string> lines(kThreads * 2);
@@ -198,8 +189,7 @@ TEST(OpsLogLine, EachThreadShowsItsOwnIdAndTheProcesss) {
 }
 
 TEST(OpsLogLine, AForkedChildShowsItsOwnIds) {
-    const Util::MessageContext context("t.cpp", 1, "T", "void T()", nullptr);
-    const Util::OpsEvent event{Ops::kMessage, Ops::kLvlWarning, context, "x"};
+    const Util::OpsEvent& event = kThreadEvent;
     const std::string parent = Util::OpsDetail::FormatLogLine(event, true); // fills the caches
     ASSERT_NE(parent.find("[" + std::to_string(OpsTest::ProcessId()) + ":"), std::string::npos);
     GTEST_FLAG_SET(death_test_style, "fast"); // a plain fork on POSIX: the caches are inherited
