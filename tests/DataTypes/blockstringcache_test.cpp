@@ -211,8 +211,8 @@ TEST(BlockStringCacheCopy, CopiesTakeTheConfigurationOnly) {
 }
 
 // The free list against the plain ordered multimap it stands for: the same chunks come out in
-// the same order, whatever the mix of sizes (both sides of the small/large boundary) and
-// whichever of its two paths takes them.
+// the same order (equal sizes first listed, first taken), whatever the mix of sizes (both sides
+// of the small/large boundary) and whichever of its paths takes them.
 TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
     std::mt19937 rng(77);
     // Listed chunks belong to the list (it may keep its links in them): keep them apart.
@@ -235,10 +235,13 @@ TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
             size_t needed = 10 + rng() % (rng() % 8 == 0 ? 1500 : 100);
             size_t size = 0;
             // The inline path either serves the request as the general one would or declines
-            // without taking anything.
-            char* got = rng() % 2 == 0 ? list.TakeSmallFit(needed, 20, size) : nullptr;
+            // without taking anything; TakeBestFit never splits.
+            const unsigned path = rng() % 3;
+            const size_t slack = path == 2 ? ~size_t(0) : 20;
+            char* got = path == 0 ? list.TakeSmallFit(needed, slack, size) : nullptr;
             if (got == nullptr)
-                got = list.TakeBestFitAndSplit(needed, 20, size);
+                got = path == 2 ? list.TakeBestFit(needed, size)
+                                : list.TakeBestFitAndSplit(needed, slack, size);
             auto it = model.lower_bound(needed);
             if (it == model.end()) {
                 ASSERT_EQ(got, nullptr) << "step " << step;
@@ -248,7 +251,7 @@ TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
             size_t found = it->first;
             model.erase(it);
             ASSERT_EQ(got, start) << "step " << step;
-            if (found - needed > 20) {
+            if (found - needed > slack) {
                 model.emplace(found - needed, start + needed);
                 ASSERT_EQ(size, needed);
             } else {
@@ -261,37 +264,6 @@ TEST(FreeListModel, HandsOutWhatAnOrderedMultimapWould) {
     list.ForEach([&listed](char* p, size_t size) { listed.emplace_back(size, p); });
     const std::vector<std::pair<size_t, char*>> expected(model.begin(), model.end());
     EXPECT_EQ(listed, expected);
-}
-
-// Equal-size chunks come back in the order they were listed, however the list grows and is
-// taken from in between, on both sides of the small/large boundary.
-TEST(FreeListOrder, EqualSizesFirstListedFirstTaken) {
-    for (size_t size : {size_t(40), size_t(1023), size_t(1024), size_t(5000)}) {
-        std::vector<std::unique_ptr<char[]>> memory;
-        Util::FreeList list;
-        std::vector<char*> expected;
-        size_t taken = 0;
-        auto take = [&] {
-            size_t got = 0;
-            char* p = list.TakeBestFit(size, got);
-            ASSERT_EQ(got, size);
-            ASSERT_EQ(p, expected[taken++]) << size;
-        };
-        for (int round = 0; round < 5; ++round) {
-            for (int i = 0; i < 7 + 9 * round; ++i) {
-                memory.emplace_back(new char[size]);
-                expected.push_back(memory.back().get());
-                ASSERT_TRUE(list.Insert(expected.back(), size));
-            }
-            for (int i = 0; i < 5 + 6 * round; ++i)
-                take();
-        }
-        while (taken < expected.size())
-            take();
-        size_t got = 0;
-        EXPECT_EQ(list.TakeBestFit(size, got), nullptr);
-        EXPECT_EQ(list.GetCount(), 0u);
-    }
 }
 
 // Best fit: the smallest listed size that is large enough, whatever was freed first; the
