@@ -140,9 +140,11 @@ Subscribe(const char* keyword = nullptr, const char* name = nullptr, const char*
     return handler;
 }
 
-// Operations running with no subscriptions but those the test adds.
+// Operations running with no subscriptions but those the test adds (or, when asked for, the
+// context's defaults).
 class OpsRunning : public ::testing::Test {
 protected:
+    explicit OpsRunning(bool defaults = false) : m_context(m_dir.Path(), defaults) {}
     void SetUp() override {
         Util::GetOps().GetSubscriptionManager().RemoveAllSubscriptions();
         Util::GetOps().BeginOperations(&m_context);
@@ -152,7 +154,7 @@ protected:
         Util::GetOps().GetSubscriptionManager().RemoveAllSubscriptions();
     }
     TempDir m_dir;
-    TestContext m_context{m_dir.Path()};
+    TestContext m_context;
 };
 
 // Runs body in a freshly started copy of the test program, where operations have not begun.

@@ -134,7 +134,7 @@ TEST(OpsFilters, GroupsComposeAndTheirMasksStayConservative) {
     EXPECT_FALSE(either.Test(Ops::kMessage, Ops::kLvlError));
 }
 
-TEST(OpsFilters, IniValueFilterFollowsTheFile) {
+TEST_F(OpsRunning, IniValueFilterFollowsTheFile) {
     TempDir dir;
     dir.Write("switch.ini", "; logging switch\n[Logging]\n  Trace = on \n[Other]\nTrace=off\n");
     auto filter = Make("INI_VALUE_FILTER", {"file_name", dir.File("switch.ini").c_str(), "group",
@@ -154,6 +154,13 @@ TEST(OpsFilters, IniValueFilterFollowsTheFile) {
         "INI_VALUE_FILTER",
         Attributes({"file_name", "a.ini", "group", "Logging", "expected_value", "1"}), error))
         << "a group without a key";
+
+    // A relative file name is found in the operations directory.
+    m_dir.Write("OpsSwitches.ini", "[Ops]\nTrace=on\n");
+    auto relative = Make("INI_VALUE_FILTER", {"file_name", "OpsSwitches.ini", "group", "Ops\\Trace",
+                                              "expected_value", "on"});
+    ASSERT_TRUE(relative);
+    EXPECT_TRUE(Matches(*relative, Ops::kFuncEnter, Ops::kLvlNA));
 }
 
 TEST(OpsIniReader, FirstValueWinsAndNamesIgnoreCase) {
@@ -192,14 +199,6 @@ TEST_F(OpsRunning, CustomFiltersAndHandlersCanBeRegistered) {
                     .AddSubscription("Bad", "NO_HANDLER", "ODD_LINE", AttributeSet())
                     .Failed());
     EXPECT_EQ(GetOps().GetSubscriptionManager().RemoveSubscription("Odd"), 1u);
-}
-
-TEST_F(OpsRunning, IniFileNameIsRelativeToTheOperationsDirectory) {
-    m_dir.Write("OpsSwitches.ini", "[Ops]\nTrace=on\n");
-    auto filter = Make("INI_VALUE_FILTER", {"file_name", "OpsSwitches.ini", "group", "Ops\\Trace",
-                                            "expected_value", "on"});
-    ASSERT_TRUE(filter);
-    EXPECT_TRUE(Matches(*filter, Ops::kFuncEnter, Ops::kLvlNA));
 }
 
 TEST_F(OpsRunning, ProcessFilterDecidesAsTheSameSubscriptionDoes) {
