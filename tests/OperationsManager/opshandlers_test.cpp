@@ -100,7 +100,7 @@ TEST_F(OpsHandlers, BreakOnlyWithADebuggerAndBeepIsHandled) {
         << "unreadable numbers fall back to the defaults";
 }
 
-TEST_F(OpsHandlers, AHandlerReportingAnEventDoesNotRecurse) {
+TEST_F(OpsHandlers, AHandlerThatReportsOrThrowsStopsNeitherItselfNorTheOthers) {
     struct Chatty : CaptureHandler {
         bool HandleMessage(const Util::OpsEvent& event) override {
             CaptureHandler::HandleMessage(event);
@@ -108,21 +108,18 @@ TEST_F(OpsHandlers, AHandlerReportingAnEventDoesNotRecurse) {
             return true;
         }
     };
-    auto chatty = std::make_shared<Chatty>();
-    SubscribeHandler(chatty);
-    EXPECT_TRUE(GetOps().ReportEventA(Ops::kDump, Ops::kLvlNA, Util::SourceContext(), "outer"));
-    ASSERT_EQ(chatty->Count(), 1u);
-    EXPECT_EQ(chatty->Events()[0].text, "outer");
-}
-
-TEST_F(OpsHandlers, AThrowingHandlerCountsAsNotHandled) {
     struct Throwing : CaptureHandler {
         bool HandleMessage(const Util::OpsEvent&) override { throw std::runtime_error("boom"); }
     };
+    auto chatty = std::make_shared<Chatty>();
+    SubscribeHandler(chatty);
     SubscribeHandler(std::make_shared<Throwing>());
     auto after = Subscribe();
-    EXPECT_TRUE(GetOps().ReportEventA(Ops::kDump, Ops::kLvlNA, Util::SourceContext(), "x"));
-    EXPECT_EQ(after->Count(), 1u) << "later handlers still run";
+    EXPECT_TRUE(GetOps().ReportEventA(Ops::kDump, Ops::kLvlNA, Util::SourceContext(), "outer"));
+    ASSERT_EQ(chatty->Count(), 1u) << "a report from inside a handler does not recurse";
+    EXPECT_EQ(chatty->Events()[0].text, "outer");
+    ASSERT_EQ(after->Count(), 1u) << "handlers after a throwing one still run";
+    EXPECT_EQ(after->Events()[0].text, "outer");
 }
 
 TEST_F(OpsHandlers, UnknownOrIncompleteHandlersAreRefused) {
