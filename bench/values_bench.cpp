@@ -106,45 +106,53 @@ private:
     std::vector<const char*> m_strings;
 };
 
-const size_t kLive = 1024;
-
-// Steady churn: 1024 strings stay alive; each step removes one and adds a new one in its place.
-void BM_Ours_AddRemove8to64(benchmark::State& state) {
-    ChurnStrings strings;
+// The two sides of the string-store benchmarks, with the same calls.
+struct CacheStore {
     Util::BlockStringCache cache;
-    std::vector<const char*> live(kLive);
-    for (size_t i = 0; i < kLive; ++i) {
-        live[i] = cache.AddString(strings[i]);
-    }
-    size_t next = kLive;
+    const char* Add(const char* text) { return cache.AddString(text); }
+    void Remove(const char* text) { cache.RemoveString(text); }
+};
+
+struct HeapStore {
+    const char* Add(const char* text) { return strdup(text); }
+    void Remove(const char* text) { std::free(const_cast<char*>(text)); }
+};
+
+// Keeps liveCount strings alive; each step removes the one in the slot pickSlot chooses and adds
+// the next string in its place. Everything still alive is removed at the end.
+template <class Store, class PickSlot>
+void Churn(benchmark::State& state, size_t liveCount, PickSlot pickSlot) {
+    ChurnStrings strings;
+    Store store;
+    std::vector<const char*> live(liveCount);
+    for (size_t i = 0; i < liveCount; ++i)
+        live[i] = store.Add(strings[i]);
+    size_t next = liveCount;
     for (auto _ : state) {
-        size_t slot = next & (kLive - 1);
-        cache.RemoveString(live[slot]);
-        live[slot] = cache.AddString(strings[next]);
+        size_t slot = pickSlot(next);
+        store.Remove(live[slot]);
+        live[slot] = store.Add(strings[next]);
         benchmark::DoNotOptimize(live[slot]);
         ++next;
     }
+    for (const char* p : live)
+        store.Remove(p);
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
 }
 
+// Steady churn: 1024 strings stay alive; each step replaces the oldest.
+const size_t kLive = 1024;
+
+size_t OldestSlot(size_t next) {
+    return next & (kLive - 1);
+}
+
+void BM_Ours_AddRemove8to64(benchmark::State& state) {
+    Churn<CacheStore>(state, kLive, OldestSlot);
+}
+
 void BM_Peer_AddRemove8to64(benchmark::State& state) {
-    ChurnStrings strings;
-    std::vector<char*> live(kLive);
-    for (size_t i = 0; i < kLive; ++i) {
-        live[i] = strdup(strings[i]);
-    }
-    size_t next = kLive;
-    for (auto _ : state) {
-        size_t slot = next & (kLive - 1);
-        std::free(live[slot]);
-        live[slot] = strdup(strings[next]);
-        benchmark::DoNotOptimize(live[slot]);
-        ++next;
-    }
-    for (char* p : live) {
-        std::free(p);
-    }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+    Churn<HeapStore>(state, kLive, OldestSlot);
 }
 
 // A larger, longer-lived population: 65536 strings stay alive (a few megabytes, more than the
@@ -152,49 +160,22 @@ void BM_Peer_AddRemove8to64(benchmark::State& state) {
 // as they do in an application. The slot comes from a xorshift step, the same on both sides.
 const size_t kLiveLarge = 65536;
 
-inline size_t NextSlot(uint32_t& state) {
-    state ^= state << 13;
-    state ^= state >> 17;
-    state ^= state << 5;
-    return state & (kLiveLarge - 1);
-}
+struct RandomSlot {
+    uint32_t state = 12345;
+    size_t operator()(size_t) {
+        state ^= state << 13;
+        state ^= state >> 17;
+        state ^= state << 5;
+        return state & (kLiveLarge - 1);
+    }
+};
 
 void BM_Ours_Churn64K8to64(benchmark::State& state) {
-    ChurnStrings strings;
-    Util::BlockStringCache cache;
-    std::vector<const char*> live(kLiveLarge);
-    for (size_t i = 0; i < kLiveLarge; ++i) {
-        live[i] = cache.AddString(strings[i]);
-    }
-    uint32_t random = 12345;
-    size_t next = 0;
-    for (auto _ : state) {
-        size_t slot = NextSlot(random);
-        cache.RemoveString(live[slot]);
-        live[slot] = cache.AddString(strings[next++]);
-        benchmark::DoNotOptimize(live[slot]);
-    }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+    Churn<CacheStore>(state, kLiveLarge, RandomSlot());
 }
 
 void BM_Peer_Churn64K8to64(benchmark::State& state) {
-    ChurnStrings strings;
-    std::vector<char*> live(kLiveLarge);
-    for (size_t i = 0; i < kLiveLarge; ++i) {
-        live[i] = strdup(strings[i]);
-    }
-    uint32_t random = 12345;
-    size_t next = 0;
-    for (auto _ : state) {
-        size_t slot = NextSlot(random);
-        std::free(live[slot]);
-        live[slot] = strdup(strings[next++]);
-        benchmark::DoNotOptimize(live[slot]);
-    }
-    for (char* p : live) {
-        std::free(p);
-    }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+    Churn<HeapStore>(state, kLiveLarge, RandomSlot());
 }
 
 // The same pair with nothing else alive: the freed chunk comes straight back.
