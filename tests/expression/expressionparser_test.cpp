@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "tests/expression/casenames.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -47,6 +49,10 @@ struct ValueCase {
     const char* value;
 };
 
+void PrintTo(const ValueCase& c, std::ostream* os) {
+    *os << '"' << c.text << '"';
+}
+
 class ParserValues : public ::testing::TestWithParam<ValueCase> {};
 
 TEST_P(ParserValues, EvaluateAsWritten) {
@@ -71,7 +77,8 @@ INSTANTIATE_TEST_SUITE_P(
         ValueCase{"'x' + 'y' + 1", "xy1"}, ValueCase{"s + 'c'", "abc"},
         ValueCase{"TRUE + true", "2"}, ValueCase{"1e1 + .5", "10.5"},
         ValueCase{"sum(1, 2, 3) * 2", "12"}, ValueCase{"sum()", "0"},
-        ValueCase{"two(1, sum(2, 3))", "15"}, ValueCase{"0.1 + 0.2 = 0.3", "1"}));
+        ValueCase{"two(1, sum(2, 3))", "15"}, ValueCase{"0.1 + 0.2 = 0.3", "1"}),
+    ztest::TextName());
 
 TEST(ParserTrees, RotateToLeftAssociativeShapes) {
     struct Case {
@@ -114,6 +121,10 @@ struct StatusCase {
     long location;
     const char* tree; // the tree kept, as printed; null when none is kept
 };
+
+void PrintTo(const StatusCase& c, std::ostream* os) {
+    *os << '"' << c.text << '"';
+}
 
 // A failed parse keeps what it built: an operator left without its operand is dropped, an
 // unclosed parenthesis or call keeps its contents, and Execute evaluates the partial tree.

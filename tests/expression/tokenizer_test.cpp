@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "tests/expression/casenames.h"
+
 #include <string>
 #include <vector>
 
@@ -25,6 +27,10 @@ struct TokenCase {
     const char* text;
     std::vector<Tokenizer::EToken> tokens;
 };
+
+void PrintTo(const TokenCase& c, std::ostream* os) {
+    *os << '"' << c.text << '"';
+}
 
 class TokenizerSequence : public ::testing::TestWithParam<TokenCase> {};
 
@@ -56,7 +62,8 @@ INSTANTIATE_TEST_SUITE_P(
                       TokenCase{"1e5x", {T::Number, T::SymbolName}},
                       TokenCase{". 5", {T::Number, T::Number}},
                       TokenCase{".x", {T::Number, T::SymbolName}},
-                      TokenCase{" \t\n 7 \r", {T::Number}}));
+                      TokenCase{" \t\n 7 \r", {T::Number}}),
+    ztest::TextName());
 
 TEST(TokenizerNumbers, AreReadWholeByStrtod) {
     struct Case {
