@@ -49,3 +49,5 @@ private:
 };
 
 } // namespace Util
+
+#include "Util/Win32Profile.h"
