@@ -7,6 +7,7 @@
 
 #include <pugixml.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <ctime>
@@ -26,6 +27,18 @@ const unsigned kParseFlags = pugi::parse_default | pugi::parse_declaration | pug
 const std::chrono::milliseconds kRecheckInterval(500);
 
 thread_local DWORD t_lastFailure = 0;
+
+// Counts the writes of this process to each repository file, so that a storage sees at once
+// what another storage of this process (an older manager's) wrote to the same file.
+std::shared_ptr<std::atomic<std::uint64_t>> WriteCounter(const std::string& file) {
+    static std::mutex mutex;
+    static std::unordered_map<std::string, std::shared_ptr<std::atomic<std::uint64_t>>> counters;
+    std::lock_guard<std::mutex> lock(mutex);
+    auto& counter = counters[file];
+    if (!counter)
+        counter = std::make_shared<std::atomic<std::uint64_t>>(0);
+    return counter;
+}
 
 struct StringWriter : pugi::xml_writer {
     std::string data;
@@ -66,7 +79,7 @@ pugi::xml_node AppendNamed(pugi::xml_node parent, const char* element, const std
 struct KeyValueStorageBase::Impl {
     Impl(const Util::TString& p, bool w)
         : path(p), file(p.c_str()), lockFile(file + ".lock"), writable(w),
-          sectionList("IniFile[@name = $ini]/Section", Variables()),
+          writes(WriteCounter(file)), sectionList("IniFile[@name = $ini]/Section", Variables()),
           keyList("IniFile[@name = $ini]/Section[@name = $section]/Key", &variables),
           sectionMatch("IniFile[@name = $ini]/Section[@name = $section]", &variables),
           keyMatch("IniFile[@name = $ini]/Section[@name = $section]/Key[@name = $key]",
@@ -118,6 +131,7 @@ struct KeyValueStorageBase::Impl {
     // cross-process lock unless lockHeld) and the document starts empty. Returns a Win32 error
     // when the file exists but cannot be read.
     DWORD LoadCurrent(bool lockHeld, int depth = 0) {
+        seenWrites = writes->load(std::memory_order_acquire);
         Platform::FileStamp now = Platform::StampOf(file);
         lastCheck = std::chrono::steady_clock::now();
         if (!now.exists) {
@@ -184,7 +198,7 @@ struct KeyValueStorageBase::Impl {
     }
 
     DWORD RefreshForRead() {
-        if (!loaded)
+        if (!loaded || writes->load(std::memory_order_acquire) != seenWrites)
             return LoadCurrent(false);
         auto now = std::chrono::steady_clock::now();
         if (now - lastCheck < kRecheckInterval)
@@ -266,6 +280,8 @@ struct KeyValueStorageBase::Impl {
     Platform::FileStamp stamp;
     std::chrono::steady_clock::time_point lastCheck;
     std::unordered_map<std::string, pugi::xml_node> files, sections, keys;
+    std::shared_ptr<std::atomic<std::uint64_t>> writes;
+    std::uint64_t seenWrites = 0;
     pugi::xpath_variable_set variables;
     pugi::xpath_query sectionList, keyList, sectionMatch, keyMatch;
 };
@@ -285,6 +301,28 @@ bool KeyValueStorageBase::IsWritable() const {
 
 unsigned long KeyValueStorageBase::GetLastFailure() {
     return t_lastFailure;
+}
+
+bool KeyValueStorageBase::CheckFile(const char* path, Util::TString& problem) {
+    std::string data;
+    DWORD error = Platform::ReadWholeFile(path != nullptr ? path : "", data);
+    if (error != 0) {
+        problem.Format("cannot be read (error %lu)", static_cast<unsigned long>(error));
+        return false;
+    }
+    pugi::xml_document parsed;
+    pugi::xml_parse_result result =
+        parsed.load_buffer(data.data(), data.size(), kParseFlags, pugi::encoding_auto);
+    if (!result) {
+        problem.Format("%s at offset %ld", result.description(), static_cast<long>(result.offset));
+        return false;
+    }
+    if (!IsElement(parsed.document_element(), kRoot)) {
+        problem = "the root element is not KeyValueRepository";
+        return false;
+    }
+    problem = "";
+    return true;
 }
 
 long KeyValueStorageBase::Get(const KeyValueQuery& query, std::string& value) {
@@ -341,6 +379,7 @@ long KeyValueStorageBase::Set(const KeyValueQuery& query, const char* value) {
         impl.doc.save(out, "", pugi::format_raw | pugi::format_write_bom, pugi::encoding_utf16_le);
         error = Platform::WriteFileDurably(impl.file, out.data);
         if (error == 0) {
+            impl.seenWrites = impl.writes->fetch_add(1, std::memory_order_acq_rel) + 1;
             impl.stamp = Platform::StampOf(impl.file);
             impl.lastCheck = std::chrono::steady_clock::now();
             return kKvFound;

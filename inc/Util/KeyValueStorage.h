@@ -65,6 +65,10 @@ public:
     // The Win32 error of the last failed system call of this thread's last request.
     static unsigned long GetLastFailure();
 
+    // Whether the file at path is a readable repository; problem says why not. Nothing is
+    // moved or changed.
+    static bool CheckFile(const char* path, Util::TString& problem);
+
 private:
     struct Impl;
     std::unique_ptr<Impl> m_impl;
