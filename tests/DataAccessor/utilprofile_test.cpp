@@ -2,6 +2,7 @@
 
 #include "Util/UtilProfile.h"
 
+#include <functional>
 #include <regex>
 #include <vector>
 
