@@ -135,6 +135,7 @@ struct KeyValueStorageBase::Impl {
         Platform::FileStamp now = Platform::StampOf(file);
         lastCheck = std::chrono::steady_clock::now();
         if (!now.exists) {
+            blocked = 0;
             ResetToEmpty();
             stamp = now;
             loaded = true;
@@ -151,6 +152,7 @@ struct KeyValueStorageBase::Impl {
         pugi::xml_parse_result result =
             parsed.load_buffer(data.data(), data.size(), kParseFlags, pugi::encoding_auto);
         if (result && IsElement(parsed.document_element(), kRoot)) {
+            blocked = 0;
             doc.reset(parsed);
             BuildIndex();
             stamp = now;
@@ -194,6 +196,7 @@ struct KeyValueStorageBase::Impl {
         ResetToEmpty();
         stamp = seen; // not reported again until the file changes
         loaded = true;
+        blocked = moveError; // a damaged file still in place must not be written over
         return 0;
     }
 
@@ -282,6 +285,7 @@ struct KeyValueStorageBase::Impl {
     std::unordered_map<std::string, pugi::xml_node> files, sections, keys;
     std::shared_ptr<std::atomic<std::uint64_t>> writes;
     std::uint64_t seenWrites = 0;
+    DWORD blocked = 0;
     pugi::xpath_variable_set variables;
     pugi::xpath_query sectionList, keyList, sectionMatch, keyMatch;
 };
@@ -369,6 +373,8 @@ long KeyValueStorageBase::Set(const KeyValueQuery& query, const char* value) {
     DWORD error = lock.Acquire(impl.lockFile);
     if (error == 0 && (!impl.loaded || Platform::StampOf(impl.file) != impl.stamp))
         error = impl.LoadCurrent(true);
+    if (error == 0)
+        error = impl.blocked;
     if (error == 0) {
         bool changed = false;
         impl.Apply(Platform::ToUtf8(query.iniName), Platform::ToUtf8(query.section), query.key,
