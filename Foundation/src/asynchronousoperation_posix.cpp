@@ -1,6 +1,7 @@
 // POSIX back end of the asynchronous operations: mutexes, condition variables, std::thread.
 #include "Foundation/src/asynchronousoperation_platform.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -16,17 +17,25 @@ namespace AsyncPlatform {
 namespace {
 
 // Waits spin briefly before sleeping: a round trip to the worker is usually over within a few
-// microseconds, and a sleeping thread takes longer than that to wake.
-constexpr int kSpinChecks = 2000;
+// microseconds, and a sleeping thread takes longer than that to wake. The spin never outlasts
+// kSpinMicroseconds nor the caller's time-out, even when yielding hands the core away for long.
+constexpr long kSpinMicroseconds = 50;
 
-template <class Ready> bool SpinFor(Ready ready) {
-    for (int i = 0; i < kSpinChecks; ++i) {
+template <class Ready> bool SpinFor(unsigned long timeoutMs, Ready ready) {
+    if (timeoutMs == 0)
+        return ready();
+    const auto deadline = std::chrono::steady_clock::now() +
+                          std::chrono::microseconds(
+                              std::min<unsigned long long>(kSpinMicroseconds, timeoutMs * 1000ull));
+    for (int i = 0;; ++i) {
         if (ready())
             return true;
-        if ((i & 63) == 63)
+        if ((i & 63) == 63) {
+            if (std::chrono::steady_clock::now() >= deadline)
+                return false;
             std::this_thread::yield();
+        }
     }
-    return false;
 }
 
 struct Event {
@@ -96,7 +105,7 @@ void SetEvent(void* event) {
 
 bool WaitForEvent(void* event, unsigned long timeoutMs) {
     auto* e = static_cast<Event*>(event);
-    if (e->Consume() || (timeoutMs != 0 && SpinFor([e] { return e->Consume(); })))
+    if (SpinFor(timeoutMs, [e] { return e->Consume(); }))
         return true;
     std::unique_lock<std::mutex> hold(e->mutex);
     if (timeoutMs == kInfinite) {
@@ -143,7 +152,7 @@ bool PostShutdownMarker(void* queue) {
 
 Taken TakeWork(void* queue, void*& key) {
     auto* q = static_cast<WorkQueue*>(queue);
-    SpinFor([q] { return q->count.load(std::memory_order_acquire) != 0; });
+    SpinFor(kInfinite, [q] { return q->count.load(std::memory_order_acquire) != 0; });
     std::unique_lock<std::mutex> hold(q->mutex);
     q->wake.wait(hold, [q] { return q->closed || !q->items.empty(); });
     if (q->closed)

@@ -3,6 +3,8 @@
 #include "Util/Ops.h"
 #include "Util/OpsMacros.h"
 
+#include <new>
+
 namespace Util {
 
 namespace {
