@@ -90,9 +90,13 @@ TEST(FactoryRegistrar, ALibraryThatCannotLoadThrowsWithTheLoadersStatus) {
 TEST(FactoryRegistrar, ThreadsRegisterLoadAndLookUpTogether) {
     OpsTest::TempDir dir;
     const std::string path = CopyOfPlugin(dir, "shared.plugin");
-    static std::vector<NumberFactory> factories;
-    for (int i = 0; i < 8 * 50; ++i)
-        factories.emplace_back(i);
+    // Registered factories must live as long as the process.
+    static const std::vector<NumberFactory> factories = [] {
+        std::vector<NumberFactory> made;
+        for (int i = 0; i < 8 * 50; ++i)
+            made.emplace_back(i);
+        return made;
+    }();
     std::vector<std::thread> threads;
     std::atomic<int> failures{0};
     for (int t = 0; t < 8; ++t) {
