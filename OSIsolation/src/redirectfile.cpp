@@ -3,6 +3,7 @@
 #include "OSIsolation/src/redirectfile_platform.h"
 #include "OSIsolation/src/redirectfile_source.h"
 #include "Util/OpsMacros.h"
+#include "Util/Win32.h"
 
 #include <atomic>
 #include <memory>
@@ -91,6 +92,8 @@ private:
 
     void EnsureLoaded() {
         std::call_once(m_loaded, [this] {
+            // The first caller may be a wrapper whose caller reads errno afterwards.
+            ErrorStateGuard errorState;
             const TString path = RedirectSource::DefaultIniPath();
             if (!path.IsEmpty())
                 Store(ReadRules(path.c_str()));
