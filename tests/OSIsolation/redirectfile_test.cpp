@@ -1,4 +1,5 @@
 #include "Util/ReDirectFile.h"
+#include "tests/OperationsManager/ops_test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -83,6 +84,24 @@ TEST(RedirectRuleChanges, RefuseEmptyRulesAndKeepTheOldOnes) {
     ReDirectFile::ClearRules();
     EXPECT_FALSE(ReDirectFile::HasRules());
     EXPECT_FALSE(ReDirectFile::GetRedirectedFile(redirected, "/a/f"));
+}
+
+TEST(RedirectRuleChanges, LoadRulesReadsTheRedirectSectionInFileOrder) {
+    OpsTest::TempDir dir;
+    dir.Write("FileLocations.ini", "[debugging]\nIsIniLogOn=0\n[Redirect]\n"
+                                   "C:\\Data\\Reports = D:\\Reports\n"
+                                   "/opt/tw=/srv/tw\nC:\\Data=E:\\Data\n"
+                                   "/empty=\n; C:\\Old=C:\\New\n");
+    ASSERT_TRUE(ReDirectFile::LoadRules(dir.File("FileLocations.ini").c_str()).Succeeded());
+    std::vector<std::string> rules;
+    for (const ReDirectFile::Rule& rule : ReDirectFile::GetRules())
+        rules.push_back(std::string(rule.requested.c_str()) + ">" + rule.real.c_str());
+    EXPECT_EQ(rules, (std::vector<std::string>{"C:\\Data\\Reports>D:\\Reports", "/opt/tw>/srv/tw",
+                                               "C:\\Data>E:\\Data"}));
+
+    // A missing file leaves no rules behind.
+    ASSERT_TRUE(ReDirectFile::LoadRules(dir.File("missing.ini").c_str()).Succeeded());
+    EXPECT_FALSE(ReDirectFile::HasRules());
 }
 
 // Readers on several threads always see one whole rule list: the old one or the new one.
