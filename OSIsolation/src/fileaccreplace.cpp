@@ -5,7 +5,7 @@
 namespace Util {
 namespace FileAcc {
 
-const char* const kModuleFile = "OSIsolation/src/fileaccreplace.cpp";
+const char* const kModuleFile = "OSIsolation/src/fileaccreplace";
 
 void Raise(Ops::Level level, const SourceContext& where, const char* format, ...) {
     va_list args;

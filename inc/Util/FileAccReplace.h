@@ -17,7 +17,8 @@
 //   SHCreateDirectoryEx, ShellExecute's file): redirected, no event.
 // A traced event reads, for _Ztfopen:
 //   ,_Ztfopen, Original,"<requested>",Redirected ,"<real>" ,mode, <mode>,  source, <file>,line, <n>
-// Events come from "OSIsolation/src/fileaccreplace.cpp" with the function name "Util::_ZtX".
+// Events come from the source "OSIsolation/src/fileaccreplace" with the function name
+// "Util::_ZtX".
 // Nothing is formatted when no subscription wants the event, and no wrapper changes errno or the
 // Win32 last error beyond what the real function does.
 //
