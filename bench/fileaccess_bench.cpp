@@ -103,8 +103,10 @@ BENCHMARK(BM_Peer_FopenFcloseRedirected);
 
 void BM_Ours_FopenFcloseRedirected(benchmark::State& state) {
     const Files& files = Setup();
-    Util::ReDirectFile::SetRules(
-        {{(files.root / "asked").string().c_str(), (files.root / "real").string().c_str()}});
+    if (Util::ReDirectFile::SetRules(
+            {{(files.root / "asked").string().c_str(), (files.root / "real").string().c_str()}})
+            .Failed())
+        state.SkipWithError("the rule was refused");
     for (auto _ : state) {
         FILE* f = Ztfopen(files.asked.c_str(), "rb");
         if (f == nullptr) {

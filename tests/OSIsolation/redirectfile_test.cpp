@@ -121,7 +121,7 @@ TEST(RedirectRuleChanges, ReadersSeeWholeListsWhileAWriterChangesThem) {
         });
     }
     for (int i = 0; i < 2000; ++i)
-        ReDirectFile::SetRules({{"/in", i % 2 ? "/one" : "/two"}});
+        EXPECT_TRUE(ReDirectFile::SetRules({{"/in", i % 2 ? "/one" : "/two"}}).Succeeded());
     stop = true;
     for (std::thread& reader : readers)
         reader.join();
