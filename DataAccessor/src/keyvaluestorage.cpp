@@ -397,7 +397,7 @@ long KeyValueStorageBase::Set(const KeyValueQuery& query, const char* value) {
                         "Cannot write the settings repository %FileName%: error %Win32Error%");
     failed.SetAttribute("FileName", impl.file.c_str());
     failed.SetAttribute("Win32Error", static_cast<long>(error));
-    ZT_REPORT(failed);
+    (void)ZT_REPORT(failed);
     return kKvFailed;
 }
 

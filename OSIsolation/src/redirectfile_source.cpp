@@ -1,5 +1,6 @@
 #include "OSIsolation/src/redirectfile_source.h"
 
+#include "Util/ProfileLocations.h"
 #include "Util/Win32.h"
 
 namespace Util {
@@ -30,7 +31,7 @@ std::string Read(const char* key, const char* iniPath) {
 } // namespace
 
 TString DefaultIniPath() {
-    return TString();
+    return ProfileLocations::GetFileLocationsPath();
 }
 
 std::vector<Entry> ReadRedirectSection(const char* iniPath) {
