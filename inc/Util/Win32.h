@@ -46,3 +46,5 @@ private:
 };
 
 } // namespace Util
+
+#include "Util/Win32Profile.h"
