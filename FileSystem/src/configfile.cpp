@@ -29,7 +29,7 @@ struct FileCloser {
 ConfigFile::ConfigFile() = default;
 
 ConfigFile::ConfigFile(const char* fileName, const char* commentChars) {
-    LoadFile(fileName, commentChars);
+    (void)LoadFile(fileName, commentChars); // the status stays in m_status
 }
 
 ConfigFile::ConfigFile(const ConfigFile& other) = default;

@@ -49,7 +49,7 @@ FileSystemFormat GetFileSystemFormat(Util::TString path) {
         status = Util::Status::GetFailed();
         format = FSF_UNKNOWN;
     }
-    ZT_REPORT(status);
+    (void)ZT_REPORT(status);
     return format;
 }
 

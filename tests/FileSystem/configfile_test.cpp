@@ -153,8 +153,8 @@ TEST(ConfigFile, IntegersAndSectionStrings) {
 TEST(ConfigFile, MoveEmptiesTheSourceAndKeepsItsStatus) {
     FsTest::TempDir dir;
     ConfigFile source(dir.Write("a.cfg", "[S]\nk=v\n").c_str(), ";");
-    source.LoadFile(dir.File("missing").c_str(), ";");
-    source.LoadFile(dir.File("a.cfg").c_str(), ";");
+    (void)source.LoadFile(dir.File("missing").c_str(), ";");
+    (void)source.LoadFile(dir.File("a.cfg").c_str(), ";");
     ConfigFile moved(std::move(source));
     EXPECT_STREQ(moved.GetStringValue("S", "k", ""), "v");
     EXPECT_EQ(moved.GetStatus().GetStatusCode(), -8);
