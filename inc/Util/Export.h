@@ -1,5 +1,7 @@
-// ZTUTIL_API marks what the shared library exports. On Windows the library's own build
-// exports and its users import; on POSIX every symbol has default visibility.
+// ZTUTIL_API marks what the shared library exports; everything else stays inside it.
+// On Windows the library's own build exports and its users import. On POSIX the library is
+// built with hidden visibility (-fvisibility=hidden -fvisibility-inlines-hidden), so only what
+// carries ZTUTIL_API is visible outside, as on Windows.
 #pragma once
 
 #if defined(_WIN32)
@@ -9,5 +11,5 @@
 #define ZTUTIL_API __declspec(dllimport)
 #endif
 #else
-#define ZTUTIL_API
+#define ZTUTIL_API __attribute__((visibility("default")))
 #endif
