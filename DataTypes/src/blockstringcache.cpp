@@ -1,3 +1,6 @@
+// Events from this module carry its source text, without the extension.
+#define ZT_SOURCE_FILE "DataTypes/src/blockstringcache"
+
 #include "Util/BlockStringCache.h"
 
 #include "DataTypes/src/blockstringcache_stats.h"
@@ -64,8 +67,8 @@ inline char* CopyString(char* to, const char* from, std::size_t n) {
 // the successful paths carry none of its set-up.
 BSC_COLD void ReportFailure(const char* function, const char* signature, long line,
                             const Status& status) {
-    LocalOps valuesLocalOps(__FILE__, line, function, signature);
-    valuesLocalOps.ReportStatus(status, line);
+    LocalOps valuesLocalOps(ZT_SOURCE_FILE, line, function, signature);
+    (void)valuesLocalOps.ReportStatus(status, line);
 }
 
 const char* const kAddString = "Util::BlockStringCache::AddString";
@@ -81,26 +84,26 @@ static_assert(BlockStringCache::kHeaderSize == sizeof(std::uint64_t), "8-byte ch
 const char* const BlockStringCache::s_pEmptyString = "";
 
 BlockStringCache::BlockStringCache(unsigned int blockSize, bool dumpStatisticsOnFree) {
-    ReinitCache(blockSize, dumpStatisticsOnFree);
+    (void)ReinitCache(blockSize, dumpStatisticsOnFree);
 }
 
 BlockStringCache::BlockStringCache(const BlockStringCache& other) {
-    ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
+    (void)ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
 }
 
 BlockStringCache& BlockStringCache::operator=(const BlockStringCache& other) {
     if (this != &other) {
-        ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
+        (void)ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
     }
     return *this;
 }
 
 BlockStringCache::~BlockStringCache() {
-    FreeCache();
+    (void)FreeCache();
 }
 
 Status BlockStringCache::ReinitCache(unsigned int blockSize, bool dumpStatisticsOnFree) {
-    FreeCache();
+    (void)FreeCache();
     m_blockSize = blockSize;
     m_dumpStatisticsOnFree = dumpStatisticsOnFree;
     m_addCount = m_emptyAddCount = m_replaceCount = m_removeCount = 0;
@@ -245,7 +248,7 @@ const char* BlockStringCache::AddString(const char* s) {
 BSC_NOINLINE const char* BlockStringCache::AddStringSlow(const char* s, std::size_t byteLength) {
     char* pAlloc = GetBytesFromCache(byteLength);
     // Reported as AddString's own verification.
-    if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", __FILE__, __LINE__, "AddString",
+    if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", ZT_SOURCE_FILE, __LINE__, "AddString",
                          kAddStringSig)) {
         ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetAllocFailed());
         return nullptr;

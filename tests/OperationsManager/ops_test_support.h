@@ -81,6 +81,7 @@ struct Captured {
     std::string unformatted;
     std::string function;
     long line;
+    std::string file;
 };
 
 class CaptureHandler : public Util::OpsMessageHandler {
@@ -91,7 +92,8 @@ public:
         const char* function = event.context.GetFunction();
         m_events.push_back(Captured{event.type, event.level, event.text,
                                     unformatted ? unformatted : "", function ? function : "",
-                                    event.context.GetLine()});
+                                    event.context.GetLine(),
+                                    event.context.GetFile() ? event.context.GetFile() : ""});
         return m_result;
     }
     Util::TString GetKey() const override {
@@ -136,7 +138,7 @@ Subscribe(const char* keyword = nullptr, const char* name = nullptr, const char*
             keyword, name ? Attributes({name, value}) : Util::AttributeSet(), error);
         EXPECT_TRUE(filter) << error.c_str();
     }
-    Util::GetOps().GetSubscriptionManager().AddSubscription("Capture", filter, {handler});
+    (void)Util::GetOps().GetSubscriptionManager().AddSubscription("Capture", filter, {handler});
     return handler;
 }
 
