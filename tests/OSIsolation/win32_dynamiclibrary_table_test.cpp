@@ -86,8 +86,9 @@ TEST_P(Win32GetProcAddressTable, FindsExportsOnly) {
     ASSERT_TRUE(lib.Load(ZT_TEST_PLUGIN_PATH).Succeeded());
     Util::Win32::SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(lib.GetSymbol(row.symbol) != nullptr, row.found);
-    if (!row.found)
+    if (!row.found) {
         EXPECT_EQ(Util::Win32::GetLastError(), row.error);
+    }
 }
 
 const SymbolRow kSymbolRows[] = {
