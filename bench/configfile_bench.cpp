@@ -34,8 +34,8 @@ struct Fixture {
             text += "[" + section + "]\n";
             for (int k = 0; k < 200; ++k) {
                 std::string key = "key_" + std::to_string(s) + "_" + std::to_string(k);
-                text += key + "=value " + std::to_string(s * 1000 + k) +
-                        " of a configuration entry\n";
+                text +=
+                    key + "=value " + std::to_string(s * 1000 + k) + " of a configuration entry\n";
                 lookups.push_back({section, key});
             }
         }
@@ -58,8 +58,8 @@ void RunOurs(benchmark::State& state) {
         FileSystem::ConfigFile config(data.path.c_str(), ";#");
         std::size_t total = 0;
         for (const Lookup& lookup : data.lookups)
-            total += config.GetStringValue(lookup.section.c_str(), lookup.key.c_str(), "")
-                         .GetLength();
+            total +=
+                config.GetStringValue(lookup.section.c_str(), lookup.key.c_str(), "").GetLength();
         benchmark::DoNotOptimize(total);
     }
 }
@@ -101,8 +101,8 @@ void BM_Peer_LoadLookup20KVsGKeyFile(benchmark::State& state) {
         g_key_file_load_from_file(file, data.path.c_str(), G_KEY_FILE_NONE, nullptr);
         std::size_t total = 0;
         for (const Lookup& lookup : data.lookups) {
-            gchar* value = g_key_file_get_string(file, lookup.section.c_str(),
-                                                 lookup.key.c_str(), nullptr);
+            gchar* value =
+                g_key_file_get_string(file, lookup.section.c_str(), lookup.key.c_str(), nullptr);
             total += value != nullptr ? std::strlen(value) : 0;
             g_free(value);
         }

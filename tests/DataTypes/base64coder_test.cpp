@@ -30,7 +30,6 @@ std::vector<unsigned char> RandomBytes(std::mt19937& rng, size_t n) {
     return v;
 }
 
-
 // A variant that takes every step through its own overrides, so the coder cannot use its bulk
 // loops; it counts the calls to prove they happen.
 class CountingCoder : public Base64Coder {

@@ -37,7 +37,7 @@ struct LoadRow {
     const char* name;
     const char* file; // in the scratch folder; null for the test plug-in
     bool loads;
-    DWORD error;      // the last error and the "Win32Error" attribute after a failure
+    DWORD error; // the last error and the "Win32Error" attribute after a failure
 };
 
 class Win32LoadLibraryTable : public ::testing::TestWithParam<LoadRow> {};
