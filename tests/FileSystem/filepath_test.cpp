@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -9,6 +7,7 @@
 #include "Util/FilePath.h"
 #include "Util/Win32Volume.h"
 #include "tests/FileSystem/fs_test_support.h"
+#include "tests/test_platform.h"
 
 using FileSystem::FilePath;
 
@@ -123,7 +122,7 @@ TEST_F(FilePathNetwork, ShareErrorsCarryTheirWin32Error) {
     Util::Win32::SetNetworkTables(m_dir.Path().c_str(), nullptr); // a directory cannot be read
     Util::Status unreadable = FilePath("\\\\localhost\\data\\x").ConvertUNCToLocalPath(local);
     EXPECT_TRUE(unreadable.Failed());
-    if (geteuid() != 0) {
+    if (!ZtTest::RunsAsRoot()) {
         std::filesystem::permissions(m_smbConf, std::filesystem::perms::none);
         Util::Win32::SetNetworkTables(m_smbConf.c_str(), nullptr);
         EXPECT_EQ(FilePath("\\\\localhost\\data\\x").ConvertUNCToLocalPath(local).GetStatusCode(),
