@@ -1,5 +1,7 @@
 #include <cstring>
+#include <sys/stat.h>
 
+#include "OperationsManager/src/opsreadfile.h"
 #include "Util/OpsSubscriptionFileManager.h"
 #include "tests/OperationsManager/ops_test_support.h"
 
@@ -88,6 +90,13 @@ TEST(OpsFile, MalformedDocumentsNameTheProblemAndLine) {
         {Wrap("<Subscription name='deep'><Filter>" + open + close +
               "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
          "nested too deeply"},
+        // Text from the file is shown as written, never read as a placeholder.
+        {Wrap("<Subscription name='a'><Filter><MESSAGE_FILTER regexp='([%FileName% %Line% %%'/>"
+              "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
+         "\"([%FileName% %Line% %%\""},
+        {Wrap("<Subscription name='a'><Filter><MESSAGE_FILTER regexp='(a)\\1'/>"
+              "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
+         "bad regular expression"},
     };
     for (const auto& c : cases) {
         SubscriptionList subscriptions;
@@ -132,4 +141,30 @@ TEST_F(OpsRunning, BeginningAgainReadsTheFilesAgain) {
     EXPECT_EQ(GetOps().GetSubscriptionManager().GetSubscriptionCount(), 2u);
     GetOps().EndOperations();
     EXPECT_EQ(GetOps().GetSubscriptionManager().GetSubscriptionCount(), 0u);
+}
+
+TEST(OpsFile, OnlyRegularFilesOfBoundedSizeAreRead) {
+    TempDir dir;
+    dir.Write("big.ops", std::string(Util::OpsDetail::kMaxSubscriptionFileSize + 1, ' '));
+    const std::string fifo = dir.Path() + "/fifo.ops";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    const struct {
+        std::string path;
+        const char* reason;
+    } cases[] = {
+        {dir.Path(), "Is a directory"},
+        {fifo, "not a regular file"}, // no writer: refused, not waited for
+        {"/dev/zero", "not a regular file"},
+        {dir.Path() + "/big.ops", "larger than"},
+        {dir.Path() + "/%Reason%x.ops", "No such file"},
+    };
+    for (const auto& c : cases) {
+        SubscriptionList subscriptions;
+        Util::Status status = OpsSubscriptionFileManager::ParseFile(c.path.c_str(), subscriptions);
+        const std::string message = status.GetStatusMessage().c_str();
+        EXPECT_EQ(status.GetStatusCode(), -8) << message;
+        EXPECT_NE(message.find("\"" + c.path + "\" cannot be read: "), std::string::npos)
+            << message;
+        EXPECT_NE(message.find(c.reason), std::string::npos) << message;
+    }
 }
