@@ -1,0 +1,158 @@
+#include "Util/PTimer.h"
+#include "Util/ProcessInfo.h"
+#include "Util/Win32Time.h"
+#include "tests/OperationsManager/ops_test_support.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+using Util::APTimer;
+using Util::PerformanceInfo;
+using Util::PerformanceInfoHP;
+
+namespace {
+
+void SleepMs(int ms) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+class TimingReports : public OpsTest::OpsRunning {
+protected:
+    void SetUp() override {
+        OpsRunning::SetUp();
+        m_events = OpsTest::Subscribe();
+    }
+    std::vector<OpsTest::Captured> Of(Util::Ops::EventType type) const {
+        std::vector<OpsTest::Captured> out;
+        for (const auto& e : m_events->Events())
+            if (e.type == type)
+                out.push_back(e);
+        return out;
+    }
+    std::shared_ptr<OpsTest::CaptureHandler> m_events;
+};
+
+} // namespace
+
+TEST(PerformanceInfo, FirstStartFixesTheCumulativeStartAndDeltasUseTickArithmetic) {
+    PerformanceInfo* info = PerformanceInfo::instance();
+    ASSERT_NE(info, nullptr);
+    const DWORD now = Util::Win32::GetTickCount();
+    // A start 10 s back, computed in 32 bits as a caller holding a DWORD would.
+    info->Start(DWORD(now - 10000u));
+    SleepMs(20);
+    info->Start(DWORD(now - 100u));
+    EXPECT_GE(info->GetTickCountDelta(), 100u);
+    EXPECT_LT(info->GetTickCountDelta(), 10000u);
+    EXPECT_GE(info->GetCumulativeTickCountDelta(), 10020u);
+    // The upper half of a 64-bit argument is not part of a tick count.
+    info->Start((static_cast<unsigned long long>(1) << 32 | now) & ~0UL);
+    EXPECT_LT(info->GetTickCountDelta(), 10000u);
+}
+
+TEST(PerformanceInfoHP, ReadingPausesUntilResumeAndStartResetsTheTests) {
+    PerformanceInfoHP* timer = PerformanceInfoHP::instance();
+    ASSERT_NE(timer, nullptr);
+    EXPECT_EQ(timer->GetNumberOfTests(), 1);
+    timer->Start(APTimer::Milliseconds);
+    EXPECT_EQ(timer->GetNumberOfTests(), 0);
+    SleepMs(30);
+    const long first = timer->GetTimeDelta();
+    EXPECT_GE(first, 30);
+    EXPECT_FALSE(timer->IsRunning());
+    SleepMs(30);
+    EXPECT_EQ(timer->GetTimeDelta(), first);
+    timer->Resume();
+    EXPECT_EQ(timer->GetNumberOfTests(), 1);
+    SleepMs(30);
+    EXPECT_GE(timer->GetTimeDelta(), first + 30);
+
+    timer->Start(APTimer::Microseconds);
+    SleepMs(5);
+    EXPECT_GE(timer->GetTimeDelta(), 5000);
+    timer->Restart();
+    EXPECT_EQ(timer->GetScale(), APTimer::Microseconds);
+    EXPECT_LT(timer->GetTimeDelta(), 5000000);
+}
+
+TEST(PerformanceInfoHP, InitDatesTheCumulativeStartBackOnlyOnce) {
+    PerformanceInfoHP* timer = PerformanceInfoHP::instance();
+    timer->Start(APTimer::Milliseconds);
+    timer->Init(Util::Win32::GetTickCount() - 5000u);
+    EXPECT_TRUE(timer->IsInitialized());
+    const long cumulative = timer->GetCumulativeTimeDelta();
+    EXPECT_GE(cumulative, 4999);
+    EXPECT_LT(cumulative, 5000 + 60000);
+    timer->Init(Util::Win32::GetTickCount());
+    EXPECT_GE(timer->GetCumulativeTimeDelta(), cumulative);
+}
+
+TEST_F(TimingReports, LogLinesNameTheScaleAndPutTheDeltaBeforeTheCumulativeDelta) {
+    PerformanceInfoHP* timer = PerformanceInfoHP::instance();
+    timer->Init(Util::Win32::GetTickCount() - 3000u);
+    struct Case {
+        APTimer::TimerScale scale;
+        const char* format;
+        long minCumulative;
+    } cases[] = {
+        {APTimer::Microseconds, "hp: PageFault=%ld, MicroSecondDelta=%ld, CumMicroSecondDelta=%ld",
+         2999000},
+        {APTimer::Milliseconds, "hp: PageFault=%ld, MilliSecondDelta=%ld, CumMilliSecondDelta=%ld",
+         2999},
+    };
+    for (const auto& c : cases) {
+        const auto before = Of(Util::Ops::kCheckpoint).size();
+        timer->Start(c.scale);
+        timer->LogPerformanceInfo("hp", Util::CurrentProcessHandle());
+        EXPECT_FALSE(timer->IsRunning());
+        auto lines = Of(Util::Ops::kCheckpoint);
+        ASSERT_EQ(lines.size(), before + 1);
+        EXPECT_EQ(lines.back().level, Util::Ops::kLvlNA);
+        long faults = -1, delta = -1, cumulative = -1;
+        ASSERT_EQ(std::sscanf(lines.back().text.c_str(), c.format, &faults, &delta, &cumulative), 3)
+            << lines.back().text;
+        EXPECT_GT(faults, 0);
+        EXPECT_GE(cumulative, c.minCumulative);
+        EXPECT_LT(delta, c.minCumulative);
+    }
+
+    PerformanceInfo* coarse = PerformanceInfo::instance();
+    coarse->Start(Util::Win32::GetTickCount() - 200u);
+    coarse->LogPerformanceInfo("coarse", nullptr);
+    long faults = -1, delta = -1, cumulative = -1;
+    ASSERT_EQ(std::sscanf(Of(Util::Ops::kCheckpoint).back().text.c_str(),
+                          "coarse: PageFault=%ld, TickDelta=%ld, CumTickDelta=%ld", &faults, &delta,
+                          &cumulative),
+              3);
+    EXPECT_GT(faults, 0);
+    EXPECT_GE(delta, 200);
+    EXPECT_GE(cumulative, delta);
+}
+
+TEST_F(TimingReports, TimerReportsAtDestructionOnlyWhenSwitchedOn) {
+    { APTimer quiet; }
+    EXPECT_TRUE(Of(Util::Ops::kMessage).empty());
+    { APTimer single(true); }
+    {
+        APTimer repeated(true);
+        repeated.Start(APTimer::Milliseconds);
+        repeated.Resume();
+        repeated.GetTimeDelta();
+        repeated.Resume();
+        repeated.Resume();
+    }
+    auto messages = Of(Util::Ops::kMessage);
+    ASSERT_EQ(messages.size(), 4u);
+    EXPECT_EQ(messages[0].text.rfind("Time in MS:", 0), 0u) << messages[0].text;
+    EXPECT_EQ(messages[1].text, "\n");
+    EXPECT_EQ(messages[2].text.rfind("Total time in MS:", 0), 0u) << messages[2].text;
+    EXPECT_NE(messages[2].text.find(", number of tests:3."), std::string::npos);
+    EXPECT_EQ(messages[3].text, "\n");
+    for (const auto& m : messages)
+        EXPECT_EQ(m.level, Util::Ops::kLvlInfoDetail);
+}
