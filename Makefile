@@ -55,9 +55,9 @@ fuzz-replay: deps
 	cmake --build --preset fuzz -j $(JOBS)
 	@for h in build/fuzz/fuzz/fuzz_*; do \
 	    n=$$(basename $$h | sed 's/^fuzz_//'); \
-	    test -d fuzz/corpus/$$n || { echo "no corpus for $$h"; exit 1; }; \
-	    echo "== $$h"; \
-	    $$h -runs=0 -rss_limit_mb=2048 -max_len=1048576 fuzz/corpus/$$n \
+	    c=fuzz/corpus/$$n; test -d $$c || { c=build/fuzz/empty; mkdir -p $$c; }; \
+	    echo "== $$h ($$c)"; \
+	    $$h -runs=0 -rss_limit_mb=2048 -max_len=1048576 $$c \
 	        >build/fuzz/replay_$$n.log 2>&1 || { tail -n 40 build/fuzz/replay_$$n.log; exit 1; }; \
 	    tail -n 1 build/fuzz/replay_$$n.log; \
 	done

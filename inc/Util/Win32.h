@@ -4,6 +4,9 @@
 // implements them with Win32 semantics: the last-error value is kept per thread, and
 // failures set Win32 error codes (2 file not found, 3 path not found, 5 access denied, ...).
 // Later subsystems add the functions they call here; the rest of the library is written once.
+// The file and directory functions live in Util/Win32File.h and the C runtime's file functions
+// in Util/Win32Crt.h; include them where they are used (they bring in more of <windows.h> and
+// the C runtime's macros than this header should).
 //
 // ErrorStateGuard saves the caller's error state (the Win32 last error and, on POSIX, errno
 // as well) and restores it when it goes out of scope, so that reporting never disturbs it.
@@ -46,3 +49,5 @@ private:
 };
 
 } // namespace Util
+
+#include "Util/Win32Profile.h"

@@ -1,0 +1,329 @@
+// The Win32 file and directory functions the library calls, as Util::Win32::X on every platform.
+//
+// On Windows each name is the real function from <windows.h>/<shlobj.h>/<shellapi.h>. On POSIX
+// the OS-isolation layer implements them with Windows' documented behaviour:
+// - Names may use '\' as well as '/' as the separator; POSIX paths otherwise stay POSIX paths
+//   (no drive letters). Directory components are looked up with the file system's case rules.
+// - Every failure sets the thread's Win32 last error as Windows does: 2 file not found (the
+//   last component is missing), 3 path not found (a directory on the way is missing or is a
+//   file), 5 access denied, 32 sharing violation, 80 file exists, 183 already exists,
+//   87 invalid parameter, 6 invalid handle, 18 no more files, 145 directory not empty.
+// - FILE_ATTRIBUTE_READONLY is the owner's write permission bit. The emulation itself refuses to
+//   delete, rename over, truncate or open for writing a read-only file (error 5), so that the
+//   rule also holds for root, whom permission bits do not stop. Names that begin with '.'
+//   report FILE_ATTRIBUTE_HIDDEN; regular files report FILE_ATTRIBUTE_ARCHIVE; the hidden,
+//   system and archive bits cannot be changed (SetFileAttributesA accepts and ignores them).
+// - Share modes are enforced between handles that CreateFileA opened in this process (error 32
+//   on a conflict); other processes are not stopped, because POSIX has no mandatory locking.
+// - FindFirstFileA matches the last component of its pattern the way Windows does ("*", "?",
+//   "*.*" also matching names without a dot, "*." only names without one, trailing dots
+//   ignored), case-blind for ASCII letters; "." and ".." are listed; entries come in a fixed
+//   order ("." and ".." first, then case-blind by name). 8.3 short names do not exist.
+// - Handles are entries of a process-wide table: a stale or foreign handle fails with error 6
+//   instead of crashing. CloseHandle closes file and pipe handles; find and change-notification
+//   handles close with their own functions. WaitForSingleObject waits on change notifications
+//   (file handles are always signalled).
+// - FindFirstChangeNotificationA uses inotify; a watch of a subtree watches the directories that
+//   exist when it starts and those created below them afterwards.
+// - ShellExecuteA opens a document or URL with the desktop's opener (xdg-open), detached; it
+//   returns a value above 32 when the opener could be started (its own result is not awaited).
+// - CreateNamedPipeA accepts only "\\.\pipe\NAME" and makes a FIFO for it in the run-time
+//   directory ($XDG_RUNTIME_DIR, else /tmp); CreateFileA on the same name opens the other end.
+//   A FIFO carries bytes one way: PIPE_ACCESS_DUPLEX and message mode fail with error 50.
+// - GetDiskFreeSpaceExA reports statvfs figures of the file system holding the path.
+#pragma once
+
+#include "Util/Export.h"
+#include "Util/Win32Types.h"
+
+#if defined(_WIN32)
+#include <shellapi.h>
+#include <shlobj.h>
+#else
+
+#include <cstdint>
+
+typedef void* HWND;
+typedef std::uintptr_t ULONG_PTR;
+typedef std::int64_t LONG64;
+typedef std::uint32_t* PULONG;
+
+typedef struct _SECURITY_ATTRIBUTES {
+    DWORD nLength;
+    LPVOID lpSecurityDescriptor;
+    BOOL bInheritHandle;
+} SECURITY_ATTRIBUTES, *PSECURITY_ATTRIBUTES, *LPSECURITY_ATTRIBUTES;
+
+typedef union _ULARGE_INTEGER {
+    struct {
+        DWORD LowPart;
+        DWORD HighPart;
+    } u;
+    ULONGLONG QuadPart;
+} ULARGE_INTEGER, *PULARGE_INTEGER;
+
+typedef union _LARGE_INTEGER {
+    struct {
+        DWORD LowPart;
+        LONG HighPart;
+    } u;
+    LONGLONG QuadPart;
+} LARGE_INTEGER, *PLARGE_INTEGER;
+
+typedef struct _WIN32_FILE_ATTRIBUTE_DATA {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+} WIN32_FILE_ATTRIBUTE_DATA, *LPWIN32_FILE_ATTRIBUTE_DATA;
+
+typedef enum _GET_FILEEX_INFO_LEVELS {
+    GetFileExInfoStandard,
+    GetFileExMaxInfoLevel
+} GET_FILEEX_INFO_LEVELS;
+
+// Only Offset/OffsetHigh are used: ReadFile and WriteFile at a given position (synchronously).
+typedef struct _OVERLAPPED {
+    ULONG_PTR Internal;
+    ULONG_PTR InternalHigh;
+    DWORD Offset;
+    DWORD OffsetHigh;
+    HANDLE hEvent;
+} OVERLAPPED, *LPOVERLAPPED;
+
+// Access rights.
+#define GENERIC_READ 0x80000000u
+#define GENERIC_WRITE 0x40000000u
+#define GENERIC_EXECUTE 0x20000000u
+#define GENERIC_ALL 0x10000000u
+#define FILE_READ_DATA 0x0001u
+#define FILE_WRITE_DATA 0x0002u
+#define FILE_APPEND_DATA 0x0004u
+#define FILE_READ_EA 0x0008u
+#define FILE_WRITE_EA 0x0010u
+#define FILE_EXECUTE 0x0020u
+#define FILE_READ_ATTRIBUTES 0x0080u
+#define FILE_WRITE_ATTRIBUTES 0x0100u
+#define DELETE 0x00010000u
+#define READ_CONTROL 0x00020000u
+#define SYNCHRONIZE 0x00100000u
+#define FILE_GENERIC_READ 0x00120089u
+#define FILE_GENERIC_WRITE 0x00120116u
+
+// Share modes.
+#define FILE_SHARE_READ 0x00000001u
+#define FILE_SHARE_WRITE 0x00000002u
+#define FILE_SHARE_DELETE 0x00000004u
+
+// Creation dispositions.
+#define CREATE_NEW 1u
+#define CREATE_ALWAYS 2u
+#define OPEN_EXISTING 3u
+#define OPEN_ALWAYS 4u
+#define TRUNCATE_EXISTING 5u
+
+// File attributes beyond those of Util/Win32Types.h.
+#define FILE_ATTRIBUTE_DEVICE 0x00000040
+#define FILE_ATTRIBUTE_TEMPORARY 0x00000100
+#define FILE_ATTRIBUTE_SPARSE_FILE 0x00000200
+#define FILE_ATTRIBUTE_REPARSE_POINT 0x00000400
+#define FILE_ATTRIBUTE_COMPRESSED 0x00000800
+#define FILE_ATTRIBUTE_OFFLINE 0x00001000
+#define FILE_ATTRIBUTE_NOT_CONTENT_INDEXED 0x00002000
+#define FILE_ATTRIBUTE_ENCRYPTED 0x00004000
+
+// Flags of CreateFileA.
+#define FILE_FLAG_WRITE_THROUGH 0x80000000u
+#define FILE_FLAG_OVERLAPPED 0x40000000u
+#define FILE_FLAG_NO_BUFFERING 0x20000000u
+#define FILE_FLAG_RANDOM_ACCESS 0x10000000u
+#define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000u
+#define FILE_FLAG_DELETE_ON_CLOSE 0x04000000u
+#define FILE_FLAG_BACKUP_SEMANTICS 0x02000000u
+#define FILE_FLAG_POSIX_SEMANTICS 0x01000000u
+
+// File pointer moves.
+#define FILE_BEGIN 0u
+#define FILE_CURRENT 1u
+#define FILE_END 2u
+
+// Change notification filters.
+#define FILE_NOTIFY_CHANGE_FILE_NAME 0x00000001u
+#define FILE_NOTIFY_CHANGE_DIR_NAME 0x00000002u
+#define FILE_NOTIFY_CHANGE_ATTRIBUTES 0x00000004u
+#define FILE_NOTIFY_CHANGE_SIZE 0x00000008u
+#define FILE_NOTIFY_CHANGE_LAST_WRITE 0x00000010u
+#define FILE_NOTIFY_CHANGE_LAST_ACCESS 0x00000020u
+#define FILE_NOTIFY_CHANGE_CREATION 0x00000040u
+#define FILE_NOTIFY_CHANGE_SECURITY 0x00000100u
+
+// Waiting.
+#define INFINITE 0xFFFFFFFFu
+#define WAIT_OBJECT_0 0x00000000u
+#define WAIT_TIMEOUT 0x00000102u
+#define WAIT_FAILED 0xFFFFFFFFu
+
+// Named pipes.
+#define PIPE_ACCESS_INBOUND 0x00000001u
+#define PIPE_ACCESS_OUTBOUND 0x00000002u
+#define PIPE_ACCESS_DUPLEX 0x00000003u
+#define PIPE_TYPE_BYTE 0x00000000u
+#define PIPE_TYPE_MESSAGE 0x00000004u
+#define PIPE_READMODE_BYTE 0x00000000u
+#define PIPE_READMODE_MESSAGE 0x00000002u
+#define PIPE_WAIT 0x00000000u
+#define PIPE_NOWAIT 0x00000001u
+#define PIPE_UNLIMITED_INSTANCES 255u
+#define NMPWAIT_USE_DEFAULT_WAIT 0x00000000u
+
+// ShowWindow commands for ShellExecuteA.
+#define SW_HIDE 0
+#define SW_SHOWNORMAL 1
+#define SW_NORMAL 1
+#define SW_SHOWMINIMIZED 2
+#define SW_SHOWMAXIMIZED 3
+#define SW_MAXIMIZE 3
+#define SW_SHOWNOACTIVATE 4
+#define SW_SHOW 5
+#define SW_MINIMIZE 6
+#define SW_SHOWMINNOACTIVE 7
+#define SW_SHOWNA 8
+#define SW_RESTORE 9
+#define SW_SHOWDEFAULT 10
+
+// ShellExecuteA results at or below 32.
+#define SE_ERR_FNF 2
+#define SE_ERR_PNF 3
+#define SE_ERR_ACCESSDENIED 5
+#define SE_ERR_OOM 8
+#define SE_ERR_NOASSOC 31
+
+// Error codes beyond those of Util/Win32Types.h.
+#ifndef ERROR_BAD_FORMAT
+#define ERROR_BAD_FORMAT 11L
+#endif
+#ifndef ERROR_INVALID_DRIVE
+#define ERROR_INVALID_DRIVE 15L
+#endif
+#ifndef ERROR_CURRENT_DIRECTORY
+#define ERROR_CURRENT_DIRECTORY 16L
+#endif
+#ifndef ERROR_NOT_SAME_DEVICE
+#define ERROR_NOT_SAME_DEVICE 17L
+#endif
+#ifndef ERROR_NEGATIVE_SEEK
+#define ERROR_NEGATIVE_SEEK 131L
+#endif
+#ifndef ERROR_BAD_PATHNAME
+#define ERROR_BAD_PATHNAME 161L
+#endif
+#ifndef ERROR_PIPE_BUSY
+#define ERROR_PIPE_BUSY 231L
+#endif
+#ifndef ERROR_NO_DATA
+#define ERROR_NO_DATA 232L
+#endif
+#ifndef ERROR_PIPE_CONNECTED
+#define ERROR_PIPE_CONNECTED 535L
+#endif
+
+#endif // !_WIN32
+
+namespace Util {
+namespace Win32 {
+
+#if defined(_WIN32)
+using ::CloseHandle;
+using ::CopyFileA;
+using ::CreateDirectoryA;
+using ::CreateDirectoryExA;
+using ::CreateFileA;
+using ::CreateNamedPipeA;
+using ::DeleteFileA;
+using ::FindClose;
+using ::FindCloseChangeNotification;
+using ::FindFirstChangeNotificationA;
+using ::FindFirstFileA;
+using ::FindNextChangeNotification;
+using ::FindNextFileA;
+using ::FlushFileBuffers;
+using ::GetDiskFreeSpaceExA;
+using ::GetFileAttributesA;
+using ::GetFileAttributesExA;
+using ::GetFileSizeEx;
+using ::MoveFileA;
+using ::ReadFile;
+using ::RemoveDirectoryA;
+using ::SetEndOfFile;
+using ::SetFileAttributesA;
+using ::SetFilePointerEx;
+using ::SHCreateDirectoryExA;
+using ::ShellExecuteA;
+using ::WaitForSingleObject;
+using ::WriteFile;
+#else
+// Files.
+ZTUTIL_API HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode,
+                              LPSECURITY_ATTRIBUTES securityAttributes, DWORD creationDisposition,
+                              DWORD flagsAndAttributes, HANDLE templateFile);
+ZTUTIL_API BOOL CloseHandle(HANDLE object);
+ZTUTIL_API BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytesToRead, LPDWORD bytesRead,
+                         LPOVERLAPPED overlapped);
+ZTUTIL_API BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWritten,
+                          LPOVERLAPPED overlapped);
+ZTUTIL_API BOOL FlushFileBuffers(HANDLE file);
+ZTUTIL_API BOOL GetFileSizeEx(HANDLE file, PLARGE_INTEGER fileSize);
+ZTUTIL_API BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distanceToMove,
+                                 PLARGE_INTEGER newFilePointer, DWORD moveMethod);
+ZTUTIL_API BOOL SetEndOfFile(HANDLE file);
+ZTUTIL_API BOOL DeleteFileA(LPCSTR fileName);
+ZTUTIL_API BOOL MoveFileA(LPCSTR existingFileName, LPCSTR newFileName);
+ZTUTIL_API BOOL CopyFileA(LPCSTR existingFileName, LPCSTR newFileName, BOOL failIfExists);
+
+// Directories.
+ZTUTIL_API BOOL CreateDirectoryA(LPCSTR pathName, LPSECURITY_ATTRIBUTES securityAttributes);
+ZTUTIL_API BOOL CreateDirectoryExA(LPCSTR templateDirectory, LPCSTR newDirectory,
+                                   LPSECURITY_ATTRIBUTES securityAttributes);
+ZTUTIL_API BOOL RemoveDirectoryA(LPCSTR pathName);
+// Creates the directory and every missing parent. pathName must be absolute (else 161).
+// Returns ERROR_SUCCESS or the error (183 when the directory exists, 80 when a file of that
+// name exists, 3 when a parent cannot be made, 206 when the name is too long).
+ZTUTIL_API int SHCreateDirectoryExA(HWND window, LPCSTR pathName,
+                                    const SECURITY_ATTRIBUTES* securityAttributes);
+
+// Attributes and space.
+ZTUTIL_API DWORD GetFileAttributesA(LPCSTR fileName);
+ZTUTIL_API BOOL SetFileAttributesA(LPCSTR fileName, DWORD fileAttributes);
+ZTUTIL_API BOOL GetFileAttributesExA(LPCSTR fileName, GET_FILEEX_INFO_LEVELS infoLevelId,
+                                     LPVOID fileInformation);
+ZTUTIL_API BOOL GetDiskFreeSpaceExA(LPCSTR directoryName,
+                                    PULARGE_INTEGER freeBytesAvailableToCaller,
+                                    PULARGE_INTEGER totalNumberOfBytes,
+                                    PULARGE_INTEGER totalNumberOfFreeBytes);
+
+// Searching.
+ZTUTIL_API HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findFileData);
+ZTUTIL_API BOOL FindNextFileA(HANDLE findFile, LPWIN32_FIND_DATAA findFileData);
+ZTUTIL_API BOOL FindClose(HANDLE findFile);
+
+// Change notifications.
+ZTUTIL_API HANDLE FindFirstChangeNotificationA(LPCSTR pathName, BOOL watchSubtree,
+                                               DWORD notifyFilter);
+ZTUTIL_API BOOL FindNextChangeNotification(HANDLE changeHandle);
+ZTUTIL_API BOOL FindCloseChangeNotification(HANDLE changeHandle);
+ZTUTIL_API DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+
+// Shell.
+ZTUTIL_API HINSTANCE ShellExecuteA(HWND window, LPCSTR operation, LPCSTR file, LPCSTR parameters,
+                                   LPCSTR directory, INT showCommand);
+
+// Pipes.
+ZTUTIL_API HANDLE CreateNamedPipeA(LPCSTR name, DWORD openMode, DWORD pipeMode, DWORD maxInstances,
+                                   DWORD outBufferSize, DWORD inBufferSize, DWORD defaultTimeOut,
+                                   LPSECURITY_ATTRIBUTES securityAttributes);
+#endif
+
+} // namespace Win32
+} // namespace Util
