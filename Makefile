@@ -1,7 +1,7 @@
 # The README's commands. Each installs what it needs first (tools/install-deps is idempotent).
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: deps build demo test bench asan tsan fuzz fuzz-replay format clean
+.PHONY: deps build demo test bench asan tsan fuzz fuzz-replay windows format clean
 
 FUZZ_SECONDS ?= 60
 
@@ -32,6 +32,15 @@ tsan: deps
 	cmake --preset tsan
 	cmake --build --preset tsan -j $(JOBS)
 	ctest --preset tsan
+
+# Cross-builds for 64-bit Windows with mingw-w64 and runs the whole suite under Wine.
+windows:
+	@bash tools/install-deps --windows
+	cmake --preset windows
+	cmake --build --preset windows -j $(JOBS)
+	@# Creates the Wine prefix once, before CTest starts programs in parallel.
+	./build/windows/wine-run build/windows/bin/ztutil.exe --version
+	ctest --preset windows
 
 # Each harness runs for FUZZ_SECONDS, starting from its checked-in seeds (fuzz/corpus/<name>) with
 # its dictionary (fuzz/<name>.dict); new inputs go to build/fuzz/corpus/<name>.

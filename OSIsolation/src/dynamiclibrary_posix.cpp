@@ -1,6 +1,8 @@
 #include "OSIsolation/src/dynamiclibrary_platform.h"
 
+#include <cstring>
 #include <dlfcn.h>
+#include <unistd.h>
 
 namespace Util {
 namespace Platform {
@@ -10,7 +12,11 @@ void* OpenLibrary(const char* path, TString& reason) {
     if (handle == nullptr) {
         const char* text = dlerror();
         reason = text != nullptr ? text : "unknown error";
-        Win32::SetLastError(ERROR_MOD_NOT_FOUND);
+        // As LoadLibraryA: a file that is there but is no library is in the wrong format; a
+        // missing file or a missing dependency is a module not found.
+        const bool badFormat = std::strchr(path, '/') != nullptr && ::access(path, F_OK) == 0 &&
+                               (text == nullptr || std::strstr(text, "No such file") == nullptr);
+        Win32::SetLastError(badFormat ? ERROR_BAD_EXE_FORMAT : ERROR_MOD_NOT_FOUND);
     }
     return handle;
 }

@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <mutex>
 #include <string>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -125,6 +126,10 @@ struct LoadedFile {
 
 LoadedFile Load(const std::string& path) {
     LoadedFile file;
+    if (!path.empty() && path.back() == '/') {
+        file.error = ERROR_ACCESS_DENIED; // an empty name: the Windows directory itself
+        return file;
+    }
     int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
         if (errno != ENOENT)
@@ -225,12 +230,35 @@ DWORD SaveAtomically(const std::string& path, const std::string& bytes, const Lo
     return ERROR_SUCCESS;
 }
 
+// Serialises writers of one directory across processes for as long as it lives, so that two
+// processes updating one file both keep their change. The directory, unlike the file, is not
+// replaced by a write. Where it cannot be locked the write goes ahead unlocked.
+class DirectoryLock {
+public:
+    explicit DirectoryLock(const std::string& dir)
+        : m_fd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        if (m_fd >= 0)
+            while (::flock(m_fd, LOCK_EX) != 0 && errno == EINTR) {
+            }
+    }
+    ~DirectoryLock() {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    DirectoryLock(const DirectoryLock&) = delete;
+    DirectoryLock& operator=(const DirectoryLock&) = delete;
+
+private:
+    int m_fd;
+};
+
 enum class Edit { SetValue, RemoveKey, RemoveSection, ReplaceSection };
 
 BOOL Modify(LPCSTR fileName, Edit edit, const std::string& section, const std::string& key,
             const std::string& value, const std::vector<std::string>& entries) {
     const std::string path = ResolvePath(fileName);
     std::lock_guard<std::mutex> guard(FileLock());
+    DirectoryLock directoryLock(DirectoryOf(path));
     LoadedFile file = Load(path);
     if (file.error != ERROR_SUCCESS) {
         SetLastError(file.error);

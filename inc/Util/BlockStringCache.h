@@ -43,7 +43,7 @@ public:
     char* TakeBestFit(std::size_t needed, std::size_t& size);
     // TakeBestFit, then a chunk larger than needed by more than slack is split: its remainder
     // (needed bytes further on) goes back into the list and size becomes needed.
-    char* TakeBestFitAndSplit(std::size_t needed, std::size_t slack, std::size_t& size);
+    inline char* TakeBestFitAndSplit(std::size_t needed, std::size_t slack, std::size_t& size);
     // The same for the common case, inline and without calls: null, with nothing taken, when
     // the best fit is a large chunk or listing the remainder needs more memory.
     char* TakeSmallFit(std::size_t needed, std::size_t slack, std::size_t& size);

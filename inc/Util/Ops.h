@@ -39,9 +39,6 @@ class OpsSubscriptionFileManager;
 class OpsSubscriptionManager;
 class Ops;
 
-// The process's operations manager, created on first use and never destroyed.
-ZTUTIL_API Ops& GetOps();
-
 class ZTUTIL_API Ops {
 public:
     enum EventType {
@@ -96,7 +93,7 @@ public:
     static constexpr const char* kLvlFatalErrorStr = "LVL_FATAL_ERROR";
 
     // Reports an assertion through the caller's source context; made where the assertion is.
-    class AssertFunctor {
+    class ZTUTIL_API AssertFunctor {
     public:
         AssertFunctor(Ops& ops, const char* file, long line, const char* function,
                       const char* signature, EventType type = kAssert) noexcept
@@ -118,7 +115,7 @@ public:
 
     // Reports a message of a fixed type and level. Passes when the level or the type is wanted
     // (for the type MESSAGE an active level suffices), unlike Ops::Message which needs both.
-    class MessageFunctor {
+    class ZTUTIL_API MessageFunctor {
     public:
         MessageFunctor(Ops& ops, Level level, EventType type, const char* file, long line,
                        const char* function, const char* signature) noexcept
@@ -250,6 +247,9 @@ private:
     static std::atomic<uint32_t> s_activeLevels;
 };
 
+// The process's operations manager, created on first use and never destroyed.
+ZTUTIL_API Ops& GetOps();
+
 // The per-function reporter: reports entry and exit when wanted and returns statuses through
 // its functors, recording each as the process's last status.
 class ZTUTIL_API LocalOps {
@@ -283,7 +283,7 @@ public:
     void SetLine(long line) noexcept { m_context.SetLine(line); }
 
     // Made at the line of the report; reports with ReportStatusV and returns the status.
-    class ReportStatusCodeFunctor {
+    class ZTUTIL_API ReportStatusCodeFunctor {
     public:
         ReportStatusCodeFunctor(LocalOps& ops, long line) noexcept : m_ops(ops), m_code(-1) {
             ops.SetLine(line);
@@ -304,7 +304,7 @@ public:
     };
 
     // Like ReportStatusCodeFunctor, then throws a Util::Exception carrying the status.
-    class ThrowStatusCodeFunctor {
+    class ZTUTIL_API ThrowStatusCodeFunctor {
     public:
         ThrowStatusCodeFunctor(LocalOps& ops, long line) noexcept : m_ops(ops), m_code(-1) {
             ops.SetLine(line);

@@ -15,8 +15,6 @@ class StatusHistory;
 class LocalOps;
 class Ops;
 
-ZTUTIL_API StatusHistory* GetStatusHistory();
-
 class ZTUTIL_API StatusHistory {
 public:
     Status GetLastStatus() const;
@@ -36,5 +34,7 @@ private:
 
     static StatusHistory* pInstance;
 };
+
+ZTUTIL_API StatusHistory* GetStatusHistory();
 
 } // namespace Util

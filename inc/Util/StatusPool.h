@@ -34,8 +34,6 @@ namespace Util {
 class StatusImpl;
 class StatusPool;
 
-ZTUTIL_API StatusPool* GetStatusPool();
-
 class ZTUTIL_API StatusPool {
 public:
     boost::shared_ptr<StatusImpl> GetNewStatus();
@@ -108,5 +106,7 @@ private:
     static std::unique_ptr<StatusPool> s_pInstance;
     static std::atomic<StatusPool*> s_pCurrent;
 };
+
+ZTUTIL_API StatusPool* GetStatusPool();
 
 } // namespace Util

@@ -20,7 +20,8 @@
 //   it is part of the first line, which therefore holds no section.
 // - Every write replaces the file atomically (a temporary file in the same directory, flushed,
 //   renamed over the old one), so a failed write leaves the old file intact. Calls from several
-//   threads are serialised.
+//   threads are serialised, and so are writers in several processes (a lock on the file's
+//   directory), so that none loses another's change.
 // - File names may use '\' or '/'. A name without any directory part lies in the Windows
 //   directory; on POSIX that is the directory named by the environment variable ZT_WINDOWS_DIR,
 //   or $HOME/.ztutil/Windows when it is not set (created on the first write).

@@ -1,6 +1,10 @@
-# The Base64 tests compare with OpenSSL's block encoder and decoder.
-find_package(OpenSSL REQUIRED)
-target_link_libraries(test_DataTypes PRIVATE OpenSSL::Crypto)
+# The Base64 tests compare with OpenSSL's block encoder, and on Windows with CryptoAPI's.
+if(WIN32)
+    target_link_libraries(test_DataTypes PRIVATE crypt32)
+else()
+    find_package(OpenSSL REQUIRED)
+    target_link_libraries(test_DataTypes PRIVATE OpenSSL::Crypto)
+endif()
 
 # ztutil's base64 and guid commands, checked by Python's base64 and uuid modules.
 if(TARGET ztutil)

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -151,6 +152,36 @@ TEST_F(ProfilePosix, ThreadsWritingOneFileLoseNothing) {
             EXPECT_EQ(Read(("s" + std::to_string(t % 3)).c_str(), key.c_str(), file.c_str()), key);
         }
     }
+}
+
+TEST_F(ProfilePosix, TwoProcessesWritingOneFileLoseNothing) {
+    const std::string file = Path("processes.ini");
+    const int kKeys = 40;
+    pid_t children[2];
+    for (int p = 0; p < 2; ++p) {
+        children[p] = ::fork();
+        ASSERT_GE(children[p], 0);
+        if (children[p] == 0) {
+            bool ok = true;
+            for (int k = 0; k < kKeys; ++k) {
+                const std::string key = "p" + std::to_string(p) + "_" + std::to_string(k);
+                ok = W::WritePrivateProfileStringA("s", key.c_str(), "v", file.c_str()) && ok;
+            }
+            ::_exit(ok ? 0 : 1);
+        }
+    }
+    for (pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    char names[4096];
+    const DWORD n =
+        W::GetPrivateProfileStringA("s", nullptr, "", names, sizeof names, file.c_str());
+    int count = 0;
+    for (DWORD at = 0; at < n; at += static_cast<DWORD>(std::strlen(names + at)) + 1)
+        ++count;
+    EXPECT_EQ(count, 2 * kKeys);
 }
 
 } // namespace

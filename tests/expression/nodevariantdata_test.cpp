@@ -163,7 +163,9 @@ TEST(NodeVariantDataCompare, UsesToleranceForDoublesAndStrcmpForText) {
 
 TEST(NodeVariantDataStorage, LongTextMovesToTheHeapAndBack) {
     NodeVariantData value(std::string(98, 'a').c_str());
-    EXPECT_EQ(value.GetStringCapacity(), NodeVariantData::kInlineSize);
+    // A copy: the DLL does not export the class's constexpr member for taking its address.
+    const std::size_t inlineSize = NodeVariantData::kInlineSize;
+    EXPECT_EQ(value.GetStringCapacity(), inlineSize);
     value = std::string(150, 'c').c_str();
     EXPECT_EQ(value.GetStringCapacity(), 151u);
     value = std::string(99, 'b').c_str(); // the heap block is kept
