@@ -27,15 +27,11 @@ BalType ErrorValue(BalKind kind) {
 BalType ParseText(const char* text, bool alwaysQty) {
     // Room for 511 characters: longer texts are cut, as a fixed record field would be.
     char buffer[512];
+    // The text is parsed as it stands: blanks around a number make it invalid, as they do for
+    // the decimal parser. Callers that accept padded input trim it themselves.
     const char* begin = text != nullptr ? text : "";
-    while (std::isspace(static_cast<unsigned char>(*begin))) {
-        ++begin;
-    }
     size_t length = strnlen(begin, sizeof buffer - 1);
     std::memcpy(buffer, begin, length);
-    while (length > 0 && std::isspace(static_cast<unsigned char>(buffer[length - 1]))) {
-        --length;
-    }
     buffer[length] = '\0';
 
     bool percent = false;

@@ -1,3 +1,6 @@
+// Events from this module carry its source text, without the extension.
+#define ZT_SOURCE_FILE "DataTypes/src/baltypeutils"
+
 // Number-to-text formatting: fixed-point text with a given number of significant digits, or
 // exponent notation when that does not fit the caller's buffer.
 #include "Util/BalTypeUtils.h"

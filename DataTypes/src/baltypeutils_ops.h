@@ -7,8 +7,8 @@
 #include "Util/OpsMacros.h"
 
 #define BALTYPEUTILS_VERIFY(condition, text)                                                       \
-    (::Util::GetOps().Verify(static_cast<bool>(condition), text, __FILE__, __LINE__, __func__,     \
-                             ZT_FUNC_SIG))
+    (::Util::GetOps().Verify(static_cast<bool>(condition), text, ZT_SOURCE_FILE, __LINE__,         \
+                             __func__, ZT_FUNC_SIG))
 #define BALTYPEUTILS_ERROR(message) ((void)ZT_ERROR(message))
 #else
 #define BALTYPEUTILS_VERIFY(condition, text) (static_cast<bool>(condition))

@@ -1,3 +1,6 @@
+// Events from this module carry its source text, without the extension.
+#define ZT_SOURCE_FILE "DataTypes/src/blockstringcache"
+
 #include "Util/BlockStringCache.h"
 
 #include "DataTypes/src/blockstringcache_stats.h"
@@ -64,7 +67,7 @@ inline char* CopyString(char* to, const char* from, std::size_t n) {
 // the successful paths carry none of its set-up.
 BSC_COLD void ReportFailure(const char* function, const char* signature, long line,
                             const Status& status) {
-    LocalOps valuesLocalOps(__FILE__, line, function, signature);
+    LocalOps valuesLocalOps(ZT_SOURCE_FILE, line, function, signature);
     valuesLocalOps.ReportStatus(status, line);
 }
 
@@ -245,7 +248,7 @@ const char* BlockStringCache::AddString(const char* s) {
 BSC_NOINLINE const char* BlockStringCache::AddStringSlow(const char* s, std::size_t byteLength) {
     char* pAlloc = GetBytesFromCache(byteLength);
     // Reported as AddString's own verification.
-    if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", __FILE__, __LINE__, "AddString",
+    if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", ZT_SOURCE_FILE, __LINE__, "AddString",
                          kAddStringSig)) {
         ReportFailure(kAddString, kAddStringSig, __LINE__, Status::GetAllocFailed());
         return nullptr;

@@ -1,3 +1,6 @@
+// Events from this module carry its source text, without the extension.
+#define ZT_SOURCE_FILE "DataTypes/src/guid"
+
 #include "Util/Guid.h"
 
 #include "DataTypes/src/guid_platform.h"

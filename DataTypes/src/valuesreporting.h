@@ -14,17 +14,18 @@
 #include "Util/Status.h"
 
 #define VALUES_VERIFY(cond)                                                                        \
-    ((cond) ? true                                                                                 \
-            : ::Util::GetOps().Verify(false, #cond, __FILE__, __LINE__, __func__, ZT_FUNC_SIG))
+    ((cond)                                                                                        \
+         ? true                                                                                    \
+         : ::Util::GetOps().Verify(false, #cond, ZT_SOURCE_FILE, __LINE__, __func__, ZT_FUNC_SIG))
 
 #define VALUES_LOCAL_OPS(function, signature)                                                      \
-    ::Util::LocalOps valuesLocalOps(__FILE__, __LINE__, function, signature)
+    ::Util::LocalOps valuesLocalOps(ZT_SOURCE_FILE, __LINE__, function, signature)
 
 #define VALUES_REPORT(status) valuesLocalOps.ReportStatus((status), __LINE__)
 
 #define VALUES_DUMP(function, signature, ...)                                                      \
     (::Util::Ops::IsEventLevelActive(::Util::Ops::kDump, ::Util::Ops::kLvlInfoSummary)             \
          ? ::Util::Ops::MessageFunctor(::Util::GetOps(), ::Util::Ops::kLvlInfoSummary,             \
-                                       ::Util::Ops::kDump, __FILE__, __LINE__, function,           \
+                                       ::Util::Ops::kDump, ZT_SOURCE_FILE, __LINE__, function,     \
                                        signature)(__VA_ARGS__)                                     \
          : false)

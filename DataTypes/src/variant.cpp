@@ -10,6 +10,7 @@
 #include <cwchar>
 #include <cwctype>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include "DataTypes/src/variantreport.h"
@@ -19,7 +20,6 @@ namespace Util {
 namespace {
 
 // Raised inside VariantChangeType when a value does not fit its target; caught there.
-struct NumericOverflow {};
 
 inline std::uint32_t ClassOf(VariantType type) {
     return type & 0xFF00u;
@@ -160,43 +160,46 @@ Integral FromSigned(std::int64_t value) {
                      : Integral{false, static_cast<std::uint64_t>(value)};
 }
 
-void StoreIntegral(__util_Variant& out, Integral value, VariantType type) {
+// False when the value does not fit the type (a loss of data).
+bool StoreIntegral(__util_Variant& out, Integral value, VariantType type) {
     if (ClassOf(type) == UTIL_VT_UNSIGNED_CLASS) {
         if ((value.negative && value.magnitude != 0) || value.magnitude > UnsignedMax(type))
-            throw NumericOverflow();
+            return false;
         out.vt = type;
         out.ullVal = value.magnitude;
-        return;
+        return true;
     }
     std::int64_t low = 0, high = 0;
     SignedRange(type, low, high);
     std::int64_t signedValue = 0;
     if (value.negative) {
         if (value.magnitude > static_cast<std::uint64_t>(INT64_MAX) + 1)
-            throw NumericOverflow();
+            return false;
         signedValue = static_cast<std::int64_t>(0 - value.magnitude);
     } else {
         if (value.magnitude > static_cast<std::uint64_t>(INT64_MAX))
-            throw NumericOverflow();
+            return false;
         signedValue = static_cast<std::int64_t>(value.magnitude);
     }
     if (signedValue < low || signedValue > high)
-        throw NumericOverflow();
+        return false;
     out.vt = type;
     out.llVal = signedValue;
+    return true;
 }
 
-Integral FromDouble(double value) {
+// Each reader gives no value when the number fits no 64-bit integer.
+std::optional<Integral> FromDouble(double value) {
     const double truncated = std::trunc(value);
     // 2^64 is exact as a double; anything at or beyond it (or NaN) fits no integer type.
     if (!(std::fabs(truncated) < 18446744073709551616.0))
-        throw NumericOverflow();
+        return std::nullopt;
     return truncated < 0 ? Integral{true, static_cast<std::uint64_t>(-truncated)}
                          : Integral{false, static_cast<std::uint64_t>(truncated)};
 }
 
 // Base-10 text to an integral value; text that is not a number reads as 0, as strtoll would.
-Integral FromText(const char* text, bool forUnsigned) {
+std::optional<Integral> FromText(const char* text, bool forUnsigned) {
     while (*text == ' ' || (*text >= '\t' && *text <= '\r'))
         ++text;
     const bool negative = *text == '-';
@@ -205,16 +208,16 @@ Integral FromText(const char* text, bool forUnsigned) {
     if (negative || !forUnsigned) {
         const long long value = std::strtoll(text, &end, 10);
         if (errno == ERANGE)
-            throw NumericOverflow();
+            return std::nullopt;
         return FromSigned(value);
     }
     const unsigned long long value = std::strtoull(text, &end, 10);
     if (errno == ERANGE)
-        throw NumericOverflow();
+        return std::nullopt;
     return Integral{false, value};
 }
 
-Integral FromWideText(const wchar_t* text, bool forUnsigned) {
+std::optional<Integral> FromWideText(const wchar_t* text, bool forUnsigned) {
     while (std::iswspace(static_cast<wint_t>(*text)))
         ++text;
     const bool negative = *text == L'-';
@@ -223,12 +226,12 @@ Integral FromWideText(const wchar_t* text, bool forUnsigned) {
     if (negative || !forUnsigned) {
         const long long value = std::wcstoll(text, &end, 10);
         if (errno == ERANGE)
-            throw NumericOverflow();
+            return std::nullopt;
         return FromSigned(value);
     }
     const unsigned long long value = std::wcstoull(text, &end, 10);
     if (errno == ERANGE)
-        throw NumericOverflow();
+        return std::nullopt;
     return Integral{false, value};
 }
 
@@ -261,44 +264,54 @@ void StoreText(__util_Variant& out, const char* text, VariantType type) {
     }
 }
 
+enum class Outcome { kConverted, kFailed, kLostData };
+
+Outcome Stored(bool stored) {
+    return stored ? Outcome::kConverted : Outcome::kFailed;
+}
+
+Outcome StoredIntegral(__util_Variant& out, const std::optional<Integral>& value,
+                       VariantType type) {
+    return value && StoreIntegral(out, *value, type) ? Outcome::kConverted : Outcome::kLostData;
+}
+
 // The conversion proper: out is empty on entry and source is not aliased with it.
-bool Convert(__util_Variant& out, const __util_Variant& source, VariantType type) {
+Outcome Convert(__util_Variant& out, const __util_Variant& source, VariantType type) {
     const std::uint32_t from = ClassOf(source.vt);
     const std::uint32_t to = ClassOf(type);
     if (type == UTIL_VT_EMPTY)
-        return true;
+        return Outcome::kConverted;
 
     if (from == UTIL_VT_STRING_CLASS) {
         const bool wide = source.vt == UTIL_VT_WSTRING;
         if (wide ? source.pwszVal == nullptr : source.pszVal == nullptr)
-            return false;
+            return Outcome::kFailed;
         if (to == UTIL_VT_STRING_CLASS) {
             if (type == UTIL_VT_STRING)
                 out.pszVal = wide ? NarrowFromWide(source.pwszVal) : DupNarrow(source.pszVal);
             else
                 out.pwszVal = wide ? DupWide(source.pwszVal) : WideFromNarrow(source.pszVal);
             if (out.pszVal == nullptr)
-                return false;
+                return Outcome::kFailed;
             out.vt = type;
-            return true;
+            return Outcome::kConverted;
         }
         if (to == UTIL_VT_SIGNED_CLASS || to == UTIL_VT_UNSIGNED_CLASS) {
             const bool forUnsigned = to == UTIL_VT_UNSIGNED_CLASS;
-            StoreIntegral(out,
-                          wide ? FromWideText(source.pwszVal, forUnsigned)
-                               : FromText(source.pszVal, forUnsigned),
-                          type);
-            return true;
+            return StoredIntegral(out,
+                                  wide ? FromWideText(source.pwszVal, forUnsigned)
+                                       : FromText(source.pszVal, forUnsigned),
+                                  type);
         }
         if (type == UTIL_VT_DOUBLE) {
             out.dblVal =
                 wide ? std::wcstod(source.pwszVal, nullptr) : std::strtod(source.pszVal, nullptr);
             out.vt = type;
-            return true;
+            return Outcome::kConverted;
         }
         out.boolVal = wide ? EqualsTrueBlind(source.pwszVal) : EqualsTrueBlind(source.pszVal);
         out.vt = UTIL_VT_BOOL;
-        return true;
+        return Outcome::kConverted;
     }
 
     // Every non-string source reduces to one of: integral, double, bool (empty reads as 0).
@@ -324,16 +337,15 @@ bool Convert(__util_Variant& out, const __util_Variant& source, VariantType type
         else
             std::snprintf(text, sizeof text, "%s", source.boolVal ? "true" : "false");
         StoreText(out, text, type);
-        return out.vt != UTIL_VT_EMPTY;
+        return Stored(out.vt != UTIL_VT_EMPTY);
     }
 
     if (to == UTIL_VT_SIGNED_CLASS || to == UTIL_VT_UNSIGNED_CLASS) {
         if (source.vt == UTIL_VT_DOUBLE)
-            integral = FromDouble(source.dblVal);
-        else if (source.vt == UTIL_VT_BOOL)
+            return StoredIntegral(out, FromDouble(source.dblVal), type);
+        if (source.vt == UTIL_VT_BOOL)
             integral = Integral{false, source.boolVal ? 1u : 0u};
-        StoreIntegral(out, integral, type);
-        return true;
+        return StoredIntegral(out, integral, type);
     }
 
     if (type == UTIL_VT_DOUBLE) {
@@ -346,7 +358,7 @@ bool Convert(__util_Variant& out, const __util_Variant& source, VariantType type
         else
             out.dblVal = static_cast<double>(source.ullVal);
         out.vt = type;
-        return true;
+        return Outcome::kConverted;
     }
 
     // Bool.
@@ -357,7 +369,7 @@ bool Convert(__util_Variant& out, const __util_Variant& source, VariantType type
     else
         out.boolVal = integral.magnitude != 0;
     out.vt = UTIL_VT_BOOL;
-    return true;
+    return Outcome::kConverted;
 }
 
 } // namespace
@@ -378,12 +390,10 @@ bool VariantChangeType(__util_Variant* destination, const __util_Variant* source
     result.llVal = 0;
     bool converted = false;
     if (IsKnownType(type) && IsKnownType(input.vt)) {
-        try {
-            converted = Convert(result, input, type);
-        } catch (const NumericOverflow&) {
+        const Outcome outcome = Convert(result, input, type);
+        if (outcome == Outcome::kLostData)
             VariantDetail::ReportNarrowingLoss(__LINE__);
-            converted = false;
-        }
+        converted = outcome == Outcome::kConverted;
     }
     if (!converted)
         FreeString(result);

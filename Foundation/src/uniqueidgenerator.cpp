@@ -1,3 +1,6 @@
+// Events from this module carry its source text, without the extension.
+#define ZT_SOURCE_FILE "Foundation/src/uniqueidgenerator"
+
 #include "Util/UniqueIDGenerator.h"
 
 #include "DataTypes/src/valuesreporting.h"

@@ -1,5 +1,6 @@
 #include "OperationsManager/src/opsfilters.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <mutex>
@@ -117,6 +118,13 @@ private:
     Ops::Level m_level;
 };
 
+std::atomic<FilterClock> g_filterClock{nullptr};
+
+std::chrono::steady_clock::time_point FilterNow() {
+    const FilterClock clock = g_filterClock.load(std::memory_order_relaxed);
+    return clock != nullptr ? clock() : std::chrono::steady_clock::now();
+}
+
 // Matches while a value in an INI file equals the expected text, so that logging can be switched
 // on and off by editing a file while the application runs. The file is read again at most twice
 // a second, and only when it changed.
@@ -127,7 +135,7 @@ public:
           m_expected(std::move(expected)) {}
     bool Matches(const OpsEvent&) const override {
         std::lock_guard<std::mutex> lock(m_mutex);
-        const auto now = std::chrono::steady_clock::now();
+        const auto now = FilterNow();
         if (!m_checked || now - m_lastCheck >= std::chrono::milliseconds(500)) {
             m_checked = true;
             m_lastCheck = now;
@@ -211,6 +219,10 @@ std::unique_ptr<OpsFilter> MakeIniValueFilter(const AttributeSet& attributes, TS
 }
 
 } // namespace
+
+void SetFilterClock(FilterClock clock) {
+    g_filterClock.store(clock, std::memory_order_relaxed);
+}
 
 bool IsGroupKeyword(const char* keyword, OpsFilterGroup::Kind& kind) {
     if (keyword == nullptr)

@@ -10,12 +10,12 @@ inline StatusPool* Status::Pool() {
 }
 
 Status::Status() {
-    Pool()->Take(m_pImpl, true);
+    Pool()->Take(m_pImpl);
     m_pImpl->Reuse(0, "Succeeded");
 }
 
 Status::Status(long code, const char* format) {
-    Pool()->Take(m_pImpl, true);
+    Pool()->Take(m_pImpl);
     m_pImpl->Reuse(code, format);
 }
 
@@ -30,30 +30,18 @@ Status& Status::operator=(const Status& other) {
 
 void Status::Release(boost::shared_ptr<StatusImpl>& impl) {
     StatusImpl* p = impl.get();
-    if (p == nullptr)
-        return;
-    if (p->m_lent) {
-        // The only holder of a lent reference moves it back. Nobody else can take a reference
-        // to it meanwhile: every other reference comes from copying a holder.
-        if (impl.use_count() == 1) {
-            StatusPool* pool = StatusPool::s_pCurrent.load(std::memory_order_acquire);
-            if (pool != nullptr) {
-                pool->GiveBack(impl);
-                return;
-            }
+    // The only holder of a lent reference moves it back. Nobody else can take a reference to it
+    // meanwhile: every other reference comes from copying a holder. Any other drop is a plain
+    // decrement (a lent implementation whose count reaches zero on another thread goes back
+    // through the pool's deleter).
+    if (p != nullptr && p->m_lent && impl.use_count() == 1) {
+        StatusPool* pool = StatusPool::s_pCurrent.load(std::memory_order_acquire);
+        if (pool != nullptr) {
+            pool->GiveBack(impl);
+            return;
         }
-        impl.reset();
-        return;
     }
-    // A reference copied from the pool's (GetNewStatus): whoever drops the count to the pool's
-    // single reference marks the entry free; a stale mark is caught when the pool takes it.
-    const std::uint32_t index = p->m_poolIndex;
     impl.reset();
-    if (index == StatusImpl::kNotPooled)
-        return;
-    StatusPool* pool = StatusPool::s_pCurrent.load(std::memory_order_acquire);
-    if (pool != nullptr)
-        pool->MarkFreeIfUnused(index);
 }
 
 long Status::GetStatusCodeComponentOffset() const {

@@ -47,12 +47,15 @@ int StatusPool::GetPoolSize() const {
 }
 
 boost::shared_ptr<StatusImpl> StatusPool::GetNewStatus() {
+    // The pool lends its own reference here too: when the caller's last copy drops, the
+    // pool's deleter takes the entry back and marks it free at once, exactly as for a Status.
     boost::shared_ptr<StatusImpl> result;
-    Take(result, false);
+    Take(result);
+    result->Reset();
     return result;
 }
 
-void StatusPool::Take(boost::shared_ptr<StatusImpl>& result, bool lend) {
+void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
     Detail::ElidableSpinGuard guard(m_lock);
     std::size_t index = 0;
     for (;;) {
@@ -70,15 +73,8 @@ void StatusPool::Take(boost::shared_ptr<StatusImpl>& result, bool lend) {
         }
         boost::shared_ptr<StatusImpl>& slot = m_list[index];
         if (certain || slot.use_count() == 1) {
-            if (lend) {
-                result = std::move(slot);
-                result->m_lent = true;
-                guard.Release();
-            } else {
-                result = slot;
-                guard.Release();
-                result->Reset();
-            }
+            result = std::move(slot);
+            result->m_lent = true;
             return;
         }
     }
@@ -88,21 +84,11 @@ void StatusPool::Take(boost::shared_ptr<StatusImpl>& result, bool lend) {
     if (m_list.size() == m_capacity) {
         m_capacity = m_capacity == 0 ? 1024 : m_capacity * 2;
         m_free.Resize(m_capacity);
-        // Entries are marked free when their last Status handle drops. One released through
-        // a bare shared pointer is not; find those once per doubling, which keeps the cost
-        // of this walk constant per created entry.
-        FlushSpare();
-        SweepFreeEntries();
     }
     created->m_poolIndex = static_cast<std::uint32_t>(m_list.size());
-    if (lend) {
-        created->m_lent = true;
-        m_list.emplace_back();
-        result = std::move(created);
-    } else {
-        m_list.push_back(created);
-        result = std::move(created);
-    }
+    created->m_lent = true;
+    m_list.emplace_back();
+    result = std::move(created);
 }
 
 void StatusPool::GiveBack(boost::shared_ptr<StatusImpl>& impl) {
@@ -157,22 +143,6 @@ void StatusPool::Deleter::operator()(StatusImpl* impl) const {
         }
     }
     delete impl;
-}
-
-void StatusPool::SweepFreeEntries() {
-    for (std::size_t i = 0; i < m_list.size(); ++i) {
-        if (m_list[i].use_count() == 1)
-            m_free.Set(i);
-    }
-}
-
-void StatusPool::MarkFreeIfUnused(std::uint32_t index) {
-    Detail::ElidableSpinGuard guard(m_lock);
-    if (index < m_list.size() && m_list[index].use_count() == 1) {
-        // The entry may lie below the spare one: keep them both in the set.
-        FlushSpare();
-        m_free.Set(index);
-    }
 }
 
 void StatusPool::FreeIndexSet::Resize(std::size_t count) {

@@ -96,7 +96,13 @@ private:
         BinaryOperator op;
         long location;
         FunNode* call; // kCall: the node collecting the arguments
+        // Operands on the stack when this entry was pushed: the entry has its (right) operand
+        // once the stack is taller than this.
+        std::size_t operandsBefore;
     };
+    void Push(PendingKind kind, long location, BinaryOperator op = {}, FunNode* call = nullptr) {
+        m_pending.push_back({kind, op, location, call, m_operands.size()});
+    }
 
     Tokenizer::EToken Next() { return m_token = m_tokenizer.GetNextToken(); }
     void Record(ParseNodeStatus status) {
@@ -105,11 +111,10 @@ private:
             m_location = m_tokenizer.GetInputLineLocation();
         }
     }
-    ExpressParseNode* Fail(ParseNodeStatus status) {
-        Record(status);
-        DiscardAll();
-        return nullptr;
-    }
+    void Fail(ParseNodeStatus status) { Record(status); }
+    // After a syntax error: builds what the stacks hold into one partial tree, dropping the
+    // operators that never got their operand.
+    ExpressParseNode* Salvage();
     void DiscardAll();
     void PushOperand(ExpressParseNode* node, long location) {
         node->SetInputBuffLocation(location);
@@ -123,6 +128,10 @@ private:
     const std::string& CopySymbolName();
     const std::string& CopyStringLiteral();
     void ApplyPrefixes();
+    // Replaces the operand on top of the stack by the prefix applied to it.
+    void BuildPrefix(const Pending& prefix);
+    // Replaces the two operands on top of the stack by the binary operator or assignment.
+    void BuildBinary(const Pending& op);
     // Builds pending binary operators at least as strong as floor; with assignments, also the
     // assignments, so that everything down to the nearest parenthesis or call is complete.
     void Reduce(unsigned char floor, bool assignments);
@@ -164,52 +173,60 @@ const std::string& ExpressionParserCompile::Builder::CopyStringLiteral() {
     return m_text;
 }
 
+void ExpressionParserCompile::Builder::BuildPrefix(const Pending& prefix) {
+    ExpressParseNode* operand = PopOperand();
+    ExpressParseNode* node = nullptr;
+    if (prefix.kind == kMinusPrefix)
+        node = new UMinusNode(operand);
+    else
+        node = new CompNotNode(operand);
+    PushOperand(node, prefix.location);
+}
+
+void ExpressionParserCompile::Builder::BuildBinary(const Pending& op) {
+    ExpressParseNode* right = PopOperand();
+    ExpressParseNode* left = PopOperand();
+    ExpressParseNode* node = nullptr;
+    if (op.kind == kAssign) {
+        node = new AssignNode(left, right);
+    } else {
+        switch (op.op.type) {
+        case PNT_ADD:
+            node = new AddNode(left, right);
+            break;
+        case PNT_SUB:
+            node = new SubNode(left, right);
+            break;
+        case PNT_MULT:
+            node = new MultNode(left, right);
+            break;
+        case PNT_DIVIDE:
+            node = new DivideNode(left, right);
+            break;
+        default:
+            node = new CompNode(op.op.compareType, left, right);
+            break;
+        }
+    }
+    PushOperand(node, left->GetInputBuffLocation());
+}
+
 void ExpressionParserCompile::Builder::ApplyPrefixes() {
     while (!m_pending.empty() &&
            (m_pending.back().kind == kMinusPrefix || m_pending.back().kind == kNotPrefix)) {
         const Pending prefix = m_pending.back();
         m_pending.pop_back();
-        ExpressParseNode* operand = PopOperand();
-        ExpressParseNode* node = nullptr;
-        if (prefix.kind == kMinusPrefix)
-            node = new UMinusNode(operand);
-        else
-            node = new CompNotNode(operand);
-        PushOperand(node, prefix.location);
+        BuildPrefix(prefix);
     }
 }
 
 void ExpressionParserCompile::Builder::Reduce(unsigned char floor, bool assignments) {
     while (!m_pending.empty()) {
         const Pending top = m_pending.back();
-        if (top.kind == kBinary && top.op.precedence >= floor) {
+        if ((top.kind == kBinary && top.op.precedence >= floor) ||
+            (assignments && top.kind == kAssign)) {
             m_pending.pop_back();
-            ExpressParseNode* right = PopOperand();
-            ExpressParseNode* left = PopOperand();
-            ExpressParseNode* node = nullptr;
-            switch (top.op.type) {
-            case PNT_ADD:
-                node = new AddNode(left, right);
-                break;
-            case PNT_SUB:
-                node = new SubNode(left, right);
-                break;
-            case PNT_MULT:
-                node = new MultNode(left, right);
-                break;
-            case PNT_DIVIDE:
-                node = new DivideNode(left, right);
-                break;
-            default:
-                node = new CompNode(top.op.compareType, left, right);
-                break;
-            }
-            PushOperand(node, left->GetInputBuffLocation());
-        } else if (assignments && top.kind == kAssign) {
-            m_pending.pop_back();
-            ExpressParseNode* right = PopOperand();
-            ExpressParseNode* left = PopOperand();
-            PushOperand(new AssignNode(left, right), left->GetInputBuffLocation());
+            BuildBinary(top);
         } else if (assignments && top.kind == kAssignDropped) {
             m_pending.pop_back(); // the right side stands alone
         } else {
@@ -227,15 +244,15 @@ bool ExpressionParserCompile::Builder::ExpectOperand() {
             Next();
             m_expectOperand = false;
         } else {
-            m_pending.push_back({kMinusPrefix, {}, location, nullptr});
+            Push(kMinusPrefix, location);
         }
         return true;
     case Tokenizer::NotOp:
-        m_pending.push_back({kNotPrefix, {}, location, nullptr});
+        Push(kNotPrefix, location);
         Next();
         return true;
     case Tokenizer::LeftParen:
-        m_pending.push_back({kParen, {}, location, nullptr});
+        Push(kParen, location);
         Next();
         return true;
     case Tokenizer::Number:
@@ -262,7 +279,7 @@ bool ExpressionParserCompile::Builder::ExpectOperand() {
             Next();
             m_expectOperand = false;
         } else {
-            m_pending.push_back({kCall, {}, location, call});
+            Push(kCall, location, {}, call);
         }
         return true;
     }
@@ -296,7 +313,7 @@ bool ExpressionParserCompile::Builder::AfterOperand(bool& done) {
     BinaryOperator op{};
     if (LookUpBinary(m_token, op)) {
         Reduce(op.precedence, false);
-        m_pending.push_back({kBinary, op, m_tokenizer.GetInputLineLocation(), nullptr});
+        Push(kBinary, m_tokenizer.GetInputLineLocation(), op);
         Next();
         m_expectOperand = true;
         return true;
@@ -305,11 +322,11 @@ bool ExpressionParserCompile::Builder::AfterOperand(bool& done) {
         // The left side of ":=" is the comparison just parsed, not what lies before it.
         Reduce(kPrecCompare, false);
         if (m_operands.back()->IsLvalue()) {
-            m_pending.push_back({kAssign, {}, m_tokenizer.GetInputLineLocation(), nullptr});
+            Push(kAssign, m_tokenizer.GetInputLineLocation());
         } else {
             Record(PNS_NOT_LVALUE);
             delete PopOperand();
-            m_pending.push_back({kAssignDropped, {}, m_tokenizer.GetInputLineLocation(), nullptr});
+            Push(kAssignDropped, m_tokenizer.GetInputLineLocation());
         }
         Next();
         m_expectOperand = true;
@@ -360,7 +377,41 @@ ExpressParseNode* ExpressionParserCompile::Builder::Run(ParseNodeStatus& status,
         ok = m_expectOperand ? ExpectOperand() : AfterOperand(done);
     status = m_status;
     location = m_location;
-    if (!ok || m_operands.size() != 1)
+    if (!ok)
+        return Salvage();
+    if (m_operands.size() != 1)
+        return nullptr;
+    return PopOperand();
+}
+
+ExpressParseNode* ExpressionParserCompile::Builder::Salvage() {
+    while (!m_pending.empty()) {
+        const Pending top = m_pending.back();
+        m_pending.pop_back();
+        const bool complete = m_operands.size() > top.operandsBefore;
+        switch (top.kind) {
+        case kBinary:
+        case kAssign:
+            // An operator without its right operand is dropped; its left operand stays.
+            if (complete)
+                BuildBinary(top);
+            break;
+        case kMinusPrefix:
+        case kNotPrefix:
+            if (complete)
+                BuildPrefix(top);
+            break;
+        case kCall:
+            if (complete)
+                top.call->AppendLeafNode(PopOperand());
+            m_operands.push_back(top.call);
+            break;
+        case kParen:
+        case kAssignDropped:
+            break;
+        }
+    }
+    if (m_operands.size() != 1)
         return nullptr;
     return PopOperand();
 }

@@ -155,9 +155,13 @@ Tokenizer::EToken Tokenizer::ReadToken() {
     if (c == '.' || IsDigit(c)) {
         char* end = nullptr;
         const double value = std::strtod(m_pPos, &end);
-        // Only a "." that strtod cannot read ends up here; treat it like any unknown byte.
-        if (end == m_pPos)
-            return BadToken;
+        // A "." that strtod cannot read is still a number, 0, and the position moves past it
+        // so that the next token starts after it.
+        if (end == m_pPos) {
+            m_number = 0.0;
+            ++m_pPos;
+            return Number;
+        }
         m_number = value;
         m_pPos = end;
         return Number;

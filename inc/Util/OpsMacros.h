@@ -40,6 +40,9 @@
 //                                  kSendError, kDeprecated, ...); passes when its type or its
 //                                  level is wanted.
 //
+// The source file they name is ZT_SOURCE_FILE: __FILE__ unless the including file defines it
+// first, for a module whose events carry a fixed source text ("DataTypes/src/guid").
+//
 // None of them change errno or the Win32 last-error value. Status texts go through printf, so a
 // status attribute name is written %%Name%% there (it becomes %Name% in the status's format).
 // Format texts are checked by the compiler like printf's.
@@ -47,13 +50,17 @@
 
 #include "Util/Ops.h"
 
+#ifndef ZT_SOURCE_FILE
+#define ZT_SOURCE_FILE __FILE__
+#endif
+
 #if defined(_MSC_VER)
 #define ZT_FUNC_SIG __FUNCSIG__
 #else
 #define ZT_FUNC_SIG __PRETTY_FUNCTION__
 #endif
 
-#define ZT_FUNC_OPS() ::Util::LocalOps ztOps(__FILE__, __LINE__, __func__, ZT_FUNC_SIG)
+#define ZT_FUNC_OPS() ::Util::LocalOps ztOps(ZT_SOURCE_FILE, __LINE__, __func__, ZT_FUNC_SIG)
 
 #define ZT_STATUS(code, ...)                                                                       \
     (::Util::LocalOps::ReportStatusCodeFunctor(ztOps, __LINE__)(static_cast<long>(code),           \
@@ -67,22 +74,23 @@
                                                                __VA_ARGS__))
 
 #define ZT_ASSERT(expr)                                                                            \
-    ((expr) ? (void)0                                                                              \
-            : (void)::Util::Ops::AssertFunctor(::Util::GetOps(), __FILE__, __LINE__, __func__,     \
-                                               ZT_FUNC_SIG)(true, "%s", "(" #expr ") is false"))
+    ((expr)                                                                                        \
+         ? (void)0                                                                                 \
+         : (void)::Util::Ops::AssertFunctor(::Util::GetOps(), ZT_SOURCE_FILE, __LINE__, __func__,  \
+                                            ZT_FUNC_SIG)(true, "%s", "(" #expr ") is false"))
 #define ZT_ASSERT_MSG(expr, ...)                                                                   \
     ((expr) ? (void)0                                                                              \
-            : (void)::Util::Ops::AssertFunctor(::Util::GetOps(), __FILE__, __LINE__, __func__,     \
-                                               ZT_FUNC_SIG)(true, __VA_ARGS__))
+            : (void)::Util::Ops::AssertFunctor(::Util::GetOps(), ZT_SOURCE_FILE, __LINE__,         \
+                                               __func__, ZT_FUNC_SIG)(true, __VA_ARGS__))
 
 #define ZT_VERIFY(expr)                                                                            \
-    (::Util::GetOps().Verify(static_cast<bool>(expr), #expr, __FILE__, __LINE__, __func__,         \
+    (::Util::GetOps().Verify(static_cast<bool>(expr), #expr, ZT_SOURCE_FILE, __LINE__, __func__,   \
                              ZT_FUNC_SIG))
 
 #define ZT_MESSAGE(level, ...)                                                                     \
     (::Util::Ops::IsEventLevelActive(::Util::Ops::kMessage, (level))                               \
          ? ::Util::GetOps().Message(                                                               \
-               ::Util::SourceContext(__FILE__, __LINE__, __func__, ZT_FUNC_SIG), (level),          \
+               ::Util::SourceContext(ZT_SOURCE_FILE, __LINE__, __func__, ZT_FUNC_SIG), (level),    \
                __VA_ARGS__)                                                                        \
          : false)
 #define ZT_ERROR(...) ZT_MESSAGE(::Util::Ops::kLvlError, __VA_ARGS__)
@@ -91,6 +99,6 @@
 
 #define ZT_EVENT(type, level, ...)                                                                 \
     (::Util::Ops::IsEventLevelActive((type), (level))                                              \
-         ? ::Util::Ops::MessageFunctor(::Util::GetOps(), (level), (type), __FILE__, __LINE__,      \
-                                       __func__, ZT_FUNC_SIG)(__VA_ARGS__)                         \
+         ? ::Util::Ops::MessageFunctor(::Util::GetOps(), (level), (type), ZT_SOURCE_FILE,          \
+                                       __LINE__, __func__, ZT_FUNC_SIG)(__VA_ARGS__)               \
          : false)

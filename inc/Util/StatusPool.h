@@ -8,13 +8,15 @@
 // length is that of the container; past it GetNewStatus throws std::length_error("list too
 // long"). Safe to call from any thread. The pool lives until the library is unloaded.
 //
-// A Status built from a code and a format does not copy the pool's reference: the pool lends
-// it, moving it into the handle, and the handle that finds itself the only holder moves it back
-// when it drops. So a status that is created and dropped costs no atomic reference-count
-// operation, while the counts that callers see (GetUseCount, the copy-on-write threshold) are
-// those of a pool that holds its reference all along. Two last holders dropping at once on two
-// threads both decrement; the one that reaches zero hands the implementation back through the
-// pool's deleter instead of deleting it.
+// A Status built from a code and a format, and the reference GetNewStatus returns, do not copy
+// the pool's reference: the pool lends it, moving it into the handle, and the handle that finds
+// itself the only holder moves it back when it drops (a bare reference goes back through the
+// pool's deleter when its last copy drops). Either way the entry is free again at once. So a status
+// that is created and dropped costs no atomic reference-count operation, while the counts that
+// callers see (GetUseCount, the copy-on-write threshold) are those of a pool that holds its
+// reference all along. Two last holders dropping at once on two threads both decrement; the one
+// that reaches zero hands the implementation back through the pool's deleter instead of deleting
+// it.
 #pragma once
 
 #include "Util/Export.h"
@@ -57,14 +59,10 @@ private:
         void operator()(StatusImpl* impl) const;
     };
 
-    // Marks the entry at index free if only the pool refers to it.
-    void MarkFreeIfUnused(std::uint32_t index);
-    // Marks every entry that only the pool refers to; called with the lock held.
-    void SweepFreeEntries();
-    // Takes the first free entry (or a new one), reset. When lend is true it moves the pool's
-    // own reference into result instead of copying it, and leaves the reset to the caller,
-    // which reinitialises the implementation at once (StatusImpl::Reuse).
-    void Take(boost::shared_ptr<StatusImpl>& result, bool lend);
+    // Takes the first free entry (or a new one) and moves the pool's own reference into
+    // result instead of copying it; the caller reinitialises the implementation at once
+    // (StatusImpl::Reuse or Reset).
+    void Take(boost::shared_ptr<StatusImpl>& result);
     // The only holder of a lent reference returns it; impl is empty afterwards.
     void GiveBack(boost::shared_ptr<StatusImpl>& impl);
     // A lent implementation whose last reference dropped without being given back.

@@ -4,32 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "Util/BalTypeUtils.h"
+#include "Util/Guid.h"
 #include "Util/OpsFilter.h"
+#include "Util/UniqueIDGenerator.h"
 #include "Util/Variant.h"
 #include "tests/OperationsManager/ops_test_support.h"
 
 namespace {
-
-// The shared capture handler, also keeping the source file each report names.
-class ReportCapture : public OpsTest::CaptureHandler {
-public:
-    bool HandleMessage(const Util::OpsEvent& event) override {
-        const char* file = event.context.GetFile();
-        {
-            std::lock_guard<std::mutex> lock(m_mutex);
-            m_files.push_back(file ? file : "");
-        }
-        return OpsTest::CaptureHandler::HandleMessage(event);
-    }
-    std::vector<std::string> Files() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_files;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::vector<std::string> m_files;
-};
 
 class VariantReport : public OpsTest::OpsRunning {
 protected:
@@ -38,7 +20,7 @@ protected:
         Util::GetOps().GetSubscriptionManager().AddSubscription("VariantCapture", nullptr,
                                                                 {capture});
     }
-    std::shared_ptr<ReportCapture> capture = std::make_shared<ReportCapture>();
+    std::shared_ptr<OpsTest::CaptureHandler> capture = std::make_shared<OpsTest::CaptureHandler>();
 };
 
 TEST_F(VariantReport, LostDataIsReportedOnceAsAnErrorMessage) {
@@ -57,7 +39,8 @@ TEST_F(VariantReport, LostDataIsReportedOnceAsAnErrorMessage) {
         EXPECT_EQ(r.text, "Loss of data occured in a numeric downcast operation\n");
         EXPECT_EQ(r.function, "Util::VariantChangeType");
     }
-    EXPECT_EQ(capture->Files(), std::vector<std::string>(2, "DataTypes/src/variant"));
+    for (const OpsTest::Captured& r : reports)
+        EXPECT_EQ(r.file, "DataTypes/src/variant");
 }
 
 TEST_F(VariantReport, ConversionsThatFitReportNothing) {
@@ -66,6 +49,32 @@ TEST_F(VariantReport, ConversionsThatFitReportNothing) {
     EXPECT_EQ(static_cast<int>(Util::Variant(static_cast<unsigned short>(5), Util::UTIL_VT_INT)),
               0);
     EXPECT_EQ(capture->Count(), 0u);
+}
+
+// Reports of the value types name their module's source text, without the extension.
+TEST_F(VariantReport, ValueTypeReportsNameTheirModule) {
+    struct Case {
+        const char* module;
+        void (*report)();
+    } cases[] = {
+        {"DataTypes/src/guid", [] { (void)Util::Guid().Renew(); }},
+        {"Foundation/src/uniqueidgenerator",
+         [] { Util::UniqueIDGenerator bad(nullptr, nullptr, 5, 1); }},
+        {"DataTypes/src/baltypeutils",
+         [] {
+             char tiny[2];
+             Double2String(tiny, sizeof tiny, 12345.678, 8, true);
+         }},
+    };
+    for (const Case& c : cases) {
+        capture = std::make_shared<OpsTest::CaptureHandler>();
+        Util::GetOps().GetSubscriptionManager().AddSubscription(c.module, nullptr, {capture});
+        c.report();
+        const std::vector<OpsTest::Captured> reports = capture->Events();
+        EXPECT_FALSE(reports.empty()) << c.module;
+        for (const OpsTest::Captured& r : reports)
+            EXPECT_EQ(r.file, c.module) << r.function;
+    }
 }
 
 } // namespace

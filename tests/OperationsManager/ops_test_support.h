@@ -81,6 +81,7 @@ struct Captured {
     std::string unformatted;
     std::string function;
     long line;
+    std::string file;
 };
 
 class CaptureHandler : public Util::OpsMessageHandler {
@@ -91,7 +92,8 @@ public:
         const char* function = event.context.GetFunction();
         m_events.push_back(Captured{event.type, event.level, event.text,
                                     unformatted ? unformatted : "", function ? function : "",
-                                    event.context.GetLine()});
+                                    event.context.GetLine(),
+                                    event.context.GetFile() ? event.context.GetFile() : ""});
         return m_result;
     }
     Util::TString GetKey() const override {

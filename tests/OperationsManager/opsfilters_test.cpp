@@ -2,6 +2,7 @@
 
 #include <pugixml.hpp>
 
+#include "OperationsManager/src/opsfilters.h"
 #include "OperationsManager/src/opsinifile.h"
 #include "tests/OperationsManager/ops_test_support.h"
 
@@ -142,9 +143,14 @@ TEST_F(OpsRunning, IniValueFilterFollowsTheFile) {
     ASSERT_TRUE(filter);
     EXPECT_TRUE(Matches(*filter, Ops::kMessage, Ops::kLvlNA));
     dir.Write("switch.ini", "[Logging]\nTrace=off, for now\n");
-    // Read again at most twice a second.
-    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+    // Read again at most twice a second: the change shows once the clock has moved on.
+    static std::chrono::steady_clock::time_point s_now;
+    s_now = std::chrono::steady_clock::now();
+    Util::OpsDetail::SetFilterClock([] { return s_now; });
+    EXPECT_TRUE(Matches(*filter, Ops::kMessage, Ops::kLvlNA));
+    s_now += std::chrono::milliseconds(600);
     EXPECT_FALSE(Matches(*filter, Ops::kMessage, Ops::kLvlNA));
+    Util::OpsDetail::SetFilterClock(nullptr);
 
     auto missing = Make("INI_VALUE_FILTER", {"file_name", dir.File("none.ini").c_str(), "group",
                                              "Logging/Trace", "expected_value", "on"});

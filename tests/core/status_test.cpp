@@ -235,6 +235,32 @@ TEST(StatusPool, HandsOutTheFirstFreeEntryFromTheFront) {
     EXPECT_EQ(EntryOf(second), sixth);
 }
 
+// A bare reference from GetNewStatus frees its entry when its last copy drops, so the next
+// request takes that entry again instead of growing the pool, and the front-first order holds
+// across bare references and statuses.
+TEST(StatusPool, BareReferencesAreReusedWhenDropped) {
+    std::vector<Status> drained = DrainPool();
+    auto* pool = Util::GetStatusPool();
+    const int size = pool->GetPoolSize();
+    const void* entry = nullptr;
+    for (int i = 0; i < 3000; ++i) {
+        auto bare = pool->GetNewStatus();
+        auto copy = bare;
+        if (entry == nullptr)
+            entry = &bare->GetFormatStr();
+        EXPECT_EQ(&bare->GetFormatStr(), entry);
+    }
+    EXPECT_EQ(pool->GetPoolSize(), size + 1);
+
+    auto low = pool->GetNewStatus();
+    Status high(-1, "high");
+    const void* lowEntry = &low->GetFormatStr();
+    low.reset();
+    Status next(-1, "next");
+    EXPECT_EQ(EntryOf(next), lowEntry);
+    EXPECT_EQ(next.GetUseCount(), 2);
+}
+
 TEST(StatusPool, ReusedImplementationIsReset) {
     std::vector<Status> drained = DrainPool();
     const void* entry = nullptr;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "tests/expression/casenames.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -47,6 +49,10 @@ struct ValueCase {
     const char* value;
 };
 
+void PrintTo(const ValueCase& c, std::ostream* os) {
+    *os << '"' << c.text << '"';
+}
+
 class ParserValues : public ::testing::TestWithParam<ValueCase> {};
 
 TEST_P(ParserValues, EvaluateAsWritten) {
@@ -71,7 +77,8 @@ INSTANTIATE_TEST_SUITE_P(
         ValueCase{"'x' + 'y' + 1", "xy1"}, ValueCase{"s + 'c'", "abc"},
         ValueCase{"TRUE + true", "2"}, ValueCase{"1e1 + .5", "10.5"},
         ValueCase{"sum(1, 2, 3) * 2", "12"}, ValueCase{"sum()", "0"},
-        ValueCase{"two(1, sum(2, 3))", "15"}, ValueCase{"0.1 + 0.2 = 0.3", "1"}));
+        ValueCase{"two(1, sum(2, 3))", "15"}, ValueCase{"0.1 + 0.2 = 0.3", "1"}),
+    ztest::TextName());
 
 TEST(ParserTrees, RotateToLeftAssociativeShapes) {
     struct Case {
@@ -108,44 +115,68 @@ TEST(ParserTrees, ParenthesesSetTheBitOnTheInnerRoot) {
 }
 
 struct StatusCase {
+    const char* name;
     const char* text;
     ParseNodeStatus status;
     long location;
-    bool keepsTree;
+    const char* tree; // the tree kept, as printed; null when none is kept
 };
 
+void PrintTo(const StatusCase& c, std::ostream* os) {
+    *os << '"' << c.text << '"';
+}
+
+// A failed parse keeps what it built: an operator left without its operand is dropped, an
+// unclosed parenthesis or call keeps its contents, and Execute evaluates the partial tree.
 class ParserStatuses : public ::testing::TestWithParam<StatusCase> {};
 
-TEST_P(ParserStatuses, ReportStatusAndOffset) {
+TEST_P(ParserStatuses, ReportStatusOffsetAndKeptTree) {
     ExpressionParser parser;
     const StatusCase& c = GetParam();
     EXPECT_EQ(parser.Parse(c.text), c.status) << c.text;
     EXPECT_EQ(parser.GetStatus(), c.status) << c.text;
     EXPECT_EQ(parser.GetParseBuffLocation(), c.location) << c.text;
-    EXPECT_EQ(parser.GetParseTree() != nullptr, c.keepsTree) << c.text;
+    ASSERT_EQ(parser.GetParseTree() != nullptr, c.tree != nullptr) << c.text;
+    Variant result;
+    if (c.tree == nullptr) {
+        EXPECT_EQ(parser.Execute(result, Util::NoSymbolTable()), Util::PNS_NO_PARSE_TREE);
+        return;
+    }
+    EXPECT_EQ(std::string(parser.Print(Util::NoSymbolTable(), Util::EPPV_NO_VALUES).c_str()),
+              c.tree)
+        << c.text;
+    EXPECT_NE(parser.Execute(result, Util::NoSymbolTable()), Util::PNS_NO_PARSE_TREE);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Table, ParserStatuses,
-    ::testing::Values(StatusCase{"3 := 4", Util::PNS_NOT_LVALUE, 4, true},
-                      StatusCase{"a + b := 4", Util::PNS_NOT_LVALUE, 8, true},
-                      StatusCase{"1 +", Util::PNS_SYNTAX_ERROR, 3, false},
-                      StatusCase{"", Util::PNS_SYNTAX_ERROR, 0, false},
-                      StatusCase{"1 2", Util::PNS_SYNTAX_ERROR, 3, true},
-                      StatusCase{"1 + ?", Util::PNS_SYNTAX_ERROR, 4, false},
-                      StatusCase{"(1 + 2", Util::PNS_RIGHT_PAREN_MISSING, 6, false},
-                      StatusCase{"(1, 2)", Util::PNS_RIGHT_PAREN_MISSING, 3, false},
-                      StatusCase{"1 + 2)", Util::PNS_SYNTAX_ERROR, 6, true},
-                      StatusCase{"$x", Util::PNS_ALIAS_PAREN_MISSING, 2, false},
-                      StatusCase{"$(", Util::PNS_ALIAS_NAME_MISSING, 2, false},
-                      StatusCase{"$(1)", Util::PNS_ALIAS_NAME_MISSING, 3, false},
-                      StatusCase{"$(x", Util::PNS_RIGHT_PAREN_MISSING, 3, false},
-                      StatusCase{"f(1,,2)", Util::PNS_SYNTAX_ERROR, 5, false},
-                      StatusCase{"f(1 2)", Util::PNS_RIGHT_PAREN_MISSING, 5, false},
-                      StatusCase{"f(1,", Util::PNS_SYNTAX_ERROR, 4, false},
-                      StatusCase{"'open", Util::PNS_SYNTAX_ERROR, 5, false},
-                      StatusCase{"a & b", Util::PNS_SYNTAX_ERROR, 3, true},
-                      StatusCase{"3 := 4 +", Util::PNS_NOT_LVALUE, 4, false}));
+    ::testing::Values(
+        StatusCase{"NotLvalue", "3 := 4", Util::PNS_NOT_LVALUE, 4, "4\n"},
+        StatusCase{"SumNotLvalue", "a + b := 4", Util::PNS_NOT_LVALUE, 8, "4\n"},
+        StatusCase{"MissingRightOperand", "1 +", Util::PNS_SYNTAX_ERROR, 3, "1\n"},
+        StatusCase{"Empty", "", Util::PNS_SYNTAX_ERROR, 0, nullptr},
+        StatusCase{"TextLeftOver", "1 2", Util::PNS_SYNTAX_ERROR, 3, "1\n"},
+        StatusCase{"BadOperand", "1 + ?", Util::PNS_SYNTAX_ERROR, 4, "1\n"},
+        StatusCase{"UnclosedParen", "(1 + 2", Util::PNS_RIGHT_PAREN_MISSING, 6, "Add\n  1\n  2\n"},
+        StatusCase{"CommaInParens", "(1, 2)", Util::PNS_RIGHT_PAREN_MISSING, 3, "1\n"},
+        StatusCase{"ExtraParen", "1 + 2)", Util::PNS_SYNTAX_ERROR, 6, "Add\n  1\n  2\n"},
+        StatusCase{"AliasWithoutParen", "$x", Util::PNS_ALIAS_PAREN_MISSING, 2, nullptr},
+        StatusCase{"AliasCut", "$(", Util::PNS_ALIAS_NAME_MISSING, 2, nullptr},
+        StatusCase{"AliasNumber", "$(1)", Util::PNS_ALIAS_NAME_MISSING, 3, nullptr},
+        StatusCase{"AliasUnclosed", "$(x", Util::PNS_RIGHT_PAREN_MISSING, 3, nullptr},
+        StatusCase{"AliasAfterOperand", "2 * $(", Util::PNS_ALIAS_NAME_MISSING, 6, "2\n"},
+        StatusCase{"EmptyArgument", "f(1,,2)", Util::PNS_SYNTAX_ERROR, 5, "Function f\n  1\n"},
+        StatusCase{"ArgumentsWithoutComma", "f(1 2)", Util::PNS_RIGHT_PAREN_MISSING, 5,
+                   "Function f\n  1\n"},
+        StatusCase{"CallCut", "f(1", Util::PNS_RIGHT_PAREN_MISSING, 3, "Function f\n  1\n"},
+        StatusCase{"CallCutInSum", "1 + f(2 * 3", Util::PNS_RIGHT_PAREN_MISSING, 11,
+                   "Add\n  1\n  Function f\n    Mult\n      2\n      3\n"},
+        StatusCase{"TrailingComma", "f(1,", Util::PNS_SYNTAX_ERROR, 4, "Function f\n  1\n"},
+        StatusCase{"UnclosedString", "'open", Util::PNS_SYNTAX_ERROR, 5, nullptr},
+        StatusCase{"SingleAmpersand", "a & b", Util::PNS_SYNTAX_ERROR, 3, "Variable a\n"},
+        StatusCase{"NotLvalueThenCut", "3 := 4 +", Util::PNS_NOT_LVALUE, 4, "4\n"},
+        StatusCase{"PrefixCut", "-(1 * -", Util::PNS_SYNTAX_ERROR, 7, "UnaryMinus\n  1\n"}),
+    [](const ::testing::TestParamInfo<StatusCase>& info) { return std::string(info.param.name); });
 
 TEST(ParserExecute, WithoutATreeOrWithANullTable) {
     ExpressionParser parser;

@@ -10,7 +10,17 @@
 
 namespace {
 
-const char* const kUsage = "money A OP B   (OP: + - * / cmp; e.g. money 12.34 + 10%)";
+const char* const kUsage =
+    "money A OP B   (OP: + - * / cmp; e.g. money 12.34 + 10%; blanks around A and B are trimmed)";
+
+// The library parses amounts as they stand; the command line is forgiving about blanks.
+std::string Trimmed(const std::string& text) {
+    const char* blanks = " \t\r\n";
+    const std::size_t begin = text.find_first_not_of(blanks);
+    if (begin == std::string::npos)
+        return std::string();
+    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
+}
 
 // Plain decimal text of a number ("+1235E-2" reads 12.35); infinities and NaNs as the library
 // writes them.
@@ -59,8 +69,8 @@ int RunMoney(const std::vector<std::string>& args) {
         return ztutil::UsageError(kUsage, "expected three arguments: A OP B");
     }
     const std::string& op = args[1];
-    BalType a = String2Bal(args[0].c_str());
-    BalType b = String2Bal(args[2].c_str());
+    BalType a = String2Bal(Trimmed(args[0]).c_str());
+    BalType b = String2Bal(Trimmed(args[2]).c_str());
     if (op == "cmp") {
         std::cout << "compare:  " << BalPickyCompare(a, b, true) << "\n"
                   << "picky:    " << BalPickyCompare(a, b, false) << "\n"
