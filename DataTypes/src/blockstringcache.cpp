@@ -68,7 +68,7 @@ inline char* CopyString(char* to, const char* from, std::size_t n) {
 BSC_COLD void ReportFailure(const char* function, const char* signature, long line,
                             const Status& status) {
     LocalOps valuesLocalOps(ZT_SOURCE_FILE, line, function, signature);
-    valuesLocalOps.ReportStatus(status, line);
+    (void)valuesLocalOps.ReportStatus(status, line);
 }
 
 const char* const kAddString = "Util::BlockStringCache::AddString";
@@ -84,26 +84,26 @@ static_assert(BlockStringCache::kHeaderSize == sizeof(std::uint64_t), "8-byte ch
 const char* const BlockStringCache::s_pEmptyString = "";
 
 BlockStringCache::BlockStringCache(unsigned int blockSize, bool dumpStatisticsOnFree) {
-    ReinitCache(blockSize, dumpStatisticsOnFree);
+    (void)ReinitCache(blockSize, dumpStatisticsOnFree);
 }
 
 BlockStringCache::BlockStringCache(const BlockStringCache& other) {
-    ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
+    (void)ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
 }
 
 BlockStringCache& BlockStringCache::operator=(const BlockStringCache& other) {
     if (this != &other) {
-        ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
+        (void)ReinitCache(other.m_blockSize, other.m_dumpStatisticsOnFree);
     }
     return *this;
 }
 
 BlockStringCache::~BlockStringCache() {
-    FreeCache();
+    (void)FreeCache();
 }
 
 Status BlockStringCache::ReinitCache(unsigned int blockSize, bool dumpStatisticsOnFree) {
-    FreeCache();
+    (void)FreeCache();
     m_blockSize = blockSize;
     m_dumpStatisticsOnFree = dumpStatisticsOnFree;
     m_addCount = m_emptyAddCount = m_replaceCount = m_removeCount = 0;

@@ -53,10 +53,10 @@ Guid& Guid::operator=(const TString& text) {
         std::memset(&m_guid, 0, sizeof m_guid);
         Status failed = Status::GetFailed();
         failed.SetAttribute("Win32Error", static_cast<long>(GuidPlatform::kInvalidStringUuid));
-        VALUES_REPORT(failed);
+        (void)VALUES_REPORT(failed);
         return *this;
     }
-    VALUES_REPORT(Status::GetSucceeded());
+    (void)VALUES_REPORT(Status::GetSucceeded());
     return *this;
 }
 

@@ -30,17 +30,17 @@ void OpsContext::RegisterSubscriptions(OpsSubscriptionManager& manager) const {
     AttributeSet attributes;
     attributes.SetAttribute("file_name", "Ops.log");
     attributes.SetAttribute("level", "LVL_WARNING");
-    manager.AddSubscription("Default", "LOG_TO_FILE", "LEVEL_FILTER", attributes);
+    (void)manager.AddSubscription("Default", "LOG_TO_FILE", "LEVEL_FILTER", attributes);
     attributes.SetAttribute("type", "CHECKPOINT");
-    manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
+    (void)manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
     attributes.SetAttribute("type", "ASSERT");
-    manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
+    (void)manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
     attributes.SetAttribute("type", "VERIFY");
-    manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
+    (void)manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
     attributes.SetAttribute("level", "LVL_FATAL_ERROR");
-    manager.AddSubscription("Default", "FAIL", "LEVEL_FILTER", attributes);
+    (void)manager.AddSubscription("Default", "FAIL", "LEVEL_FILTER", attributes);
     attributes.SetAttribute("type", "SEND_ERROR");
-    manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
+    (void)manager.AddSubscription("Default", "LOG_TO_FILE", "EVENT_TYPE_FILTER", attributes);
 }
 
 void OpsContext::Initialize() const {

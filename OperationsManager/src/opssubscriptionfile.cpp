@@ -286,7 +286,7 @@ OpsSubscriptionFileManager::OpsSubscriptionFileManager(const char* path)
     m_status = ParseFile(m_path.c_str(), subscriptions);
     if (m_status.Failed()) {
         // Reported and skipped: a bad file never stops the application.
-        ZT_REPORT(m_status);
+        (void)ZT_REPORT(m_status);
         Status copy(m_status);
         ZT_ERROR("%s", copy.GetStatusMessage().c_str());
         return;

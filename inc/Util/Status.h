@@ -13,6 +13,10 @@
 // Implementations come from the process-wide Util::StatusPool and return to it when the last
 // handle drops. A Status object is used by one thread at a time; statuses sharing one
 // implementation may be read and dropped from any thread.
+//
+// Status is [[nodiscard]]: a call whose status is dropped draws a compiler warning. Where
+// dropping one is intended (a report whose status only passes through, a best-effort step),
+// say so with a cast: `(void)ZT_REPORT(status);`.
 #pragma once
 
 #include "Util/AttributeSet.h"
@@ -83,7 +87,7 @@ private:
     std::atomic<bool> m_messageReady{false};
 };
 
-class ZTUTIL_API Status {
+class [[nodiscard]] ZTUTIL_API Status {
 public:
     // Code 0, "Succeeded".
     Status();

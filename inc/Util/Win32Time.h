@@ -11,15 +11,8 @@
 #include "Util/Export.h"
 #include "Util/Win32Types.h"
 
-#if !defined(_WIN32)
-union LARGE_INTEGER {
-    struct {
-        DWORD LowPart;
-        LONG HighPart;
-    } u;
-    LONGLONG QuadPart;
-};
-#endif
+// On POSIX, LARGE_INTEGER is declared with the file functions' types.
+#include "Util/Win32File.h"
 
 namespace Util {
 namespace Win32 {

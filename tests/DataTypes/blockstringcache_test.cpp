@@ -386,7 +386,7 @@ TEST_F(BlockStringCacheReporting, FailuresRaiseNamedVerificationsAndReportStatus
     EXPECT_EQ(cache.AddString(std::string(65535, 'x').c_str()), nullptr);
     const char* s = cache.AddString("abc");
     EXPECT_EQ(cache.ReplaceString(s, std::string(70000, 'y').c_str()), nullptr);
-    cache.FreeCache();
+    (void)cache.FreeCache();
     EXPECT_EQ(cache.AddString("x"), nullptr);
     EXPECT_EQ(cache.RemoveString("x"), -1);
 
@@ -421,8 +421,8 @@ TEST_F(BlockStringCacheReporting, StatisticsAreWrittenAsDumpEvents) {
     for (size_t i = 0; i < lines.size(); ++i)
         EXPECT_EQ(dumped[i], lines[i].c_str());
     // The flag writes them once more when the cache is freed.
-    cache.FreeCache();
+    (void)cache.FreeCache();
     EXPECT_EQ(Texts(Util::Ops::kDump).size(), 2 * lines.size());
-    cache.FreeCache();
+    (void)cache.FreeCache();
     EXPECT_EQ(Texts(Util::Ops::kDump).size(), 2 * lines.size());
 }

@@ -17,8 +17,8 @@ class VariantReport : public OpsTest::OpsRunning {
 protected:
     void SetUp() override {
         OpsTest::OpsRunning::SetUp();
-        Util::GetOps().GetSubscriptionManager().AddSubscription("VariantCapture", nullptr,
-                                                                {capture});
+        (void)Util::GetOps().GetSubscriptionManager().AddSubscription("VariantCapture", nullptr,
+                                                                      {capture});
     }
     std::shared_ptr<OpsTest::CaptureHandler> capture = std::make_shared<OpsTest::CaptureHandler>();
 };
@@ -68,7 +68,7 @@ TEST_F(VariantReport, ValueTypeReportsNameTheirModule) {
     };
     for (const Case& c : cases) {
         capture = std::make_shared<OpsTest::CaptureHandler>();
-        Util::GetOps().GetSubscriptionManager().AddSubscription(c.module, nullptr, {capture});
+        (void)Util::GetOps().GetSubscriptionManager().AddSubscription(c.module, nullptr, {capture});
         c.report();
         const std::vector<OpsTest::Captured> reports = capture->Events();
         EXPECT_FALSE(reports.empty()) << c.module;

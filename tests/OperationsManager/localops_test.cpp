@@ -110,8 +110,8 @@ TEST_F(LocalOpsRunning, ReportingKeepsTheCallersErrorState) {
     LocalOps local("e.cpp", 1, "F", "void F()");
     const std::function<void()> entries[] = {
         [] { LocalOps inner("e.cpp", 2, "G", "void G()"); },
-        [&] { local.ReportStatus(-1, 3, "failed"); },
-        [&] { LocalOps::ReportStatusCodeFunctor(local, 4)("x %d", 1); },
+        [&] { (void)local.ReportStatus(-1, 3, "failed"); },
+        [&] { (void)LocalOps::ReportStatusCodeFunctor(local, 4)("x %d", 1); },
         [&] {
             try {
                 LocalOps::ThrowStatusCodeFunctor(local, 5)("thrown");

@@ -138,7 +138,7 @@ Subscribe(const char* keyword = nullptr, const char* name = nullptr, const char*
             keyword, name ? Attributes({name, value}) : Util::AttributeSet(), error);
         EXPECT_TRUE(filter) << error.c_str();
     }
-    Util::GetOps().GetSubscriptionManager().AddSubscription("Capture", filter, {handler});
+    (void)Util::GetOps().GetSubscriptionManager().AddSubscription("Capture", filter, {handler});
     return handler;
 }
 

@@ -33,7 +33,7 @@ void RunWorkers(std::atomic<bool>& done) {
     for (int t = 0; t < kThreads; ++t)
         workers.emplace_back([t] {
             for (int i = 0; i < kPerThread; ++i)
-                Worker(t, i);
+                (void)Worker(t, i);
         });
     for (auto& worker : workers)
         worker.join();
@@ -79,7 +79,7 @@ void ChurnSubscriptions(const TestContext& context, const TempDir& dir, std::ato
     int round = 0;
     while (!done) {
         auto capture = std::make_shared<CaptureHandler>();
-        GetOps().GetSubscriptionManager().AddSubscription("Churn", nullptr, {capture});
+        (void)GetOps().GetSubscriptionManager().AddSubscription("Churn", nullptr, {capture});
         dir.Write("extra.ops", "<OpsSubscriptions><Subscription name='Extra'><Filter>"
                                "<EVENT_TYPE_FILTER type='DUMP'/></Filter><Handlers>"
                                "<LOG_TO_FILE file_name='extra.log'/></Handlers></Subscription>"

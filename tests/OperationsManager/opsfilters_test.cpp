@@ -252,7 +252,7 @@ TEST_F(OpsRunning, ProcessFilterDecidesAsTheSameSubscriptionDoes) {
         ASSERT_TRUE(
             subscriptions.BuildSubscriptionDOM(subscription.document_element(), built).Succeeded());
         auto capture = std::make_shared<CaptureHandler>();
-        subscriptions.AddSubscription("P", built.filter, {capture});
+        (void)subscriptions.AddSubscription("P", built.filter, {capture});
         EXPECT_EQ(GetOps().GetMessageHandlerManager().ProcessFilter(built.filter.get(), c.type,
                                                                     c.level, context, c.text),
                   c.matches);

@@ -27,7 +27,8 @@ std::shared_ptr<Util::OpsMessageHandler> MakeHandler(const char* keyword,
 }
 
 void SubscribeHandler(std::shared_ptr<Util::OpsMessageHandler> handler) {
-    GetOps().GetSubscriptionManager().AddSubscription("Handlers", nullptr, {std::move(handler)});
+    (void)GetOps().GetSubscriptionManager().AddSubscription("Handlers", nullptr,
+                                                            {std::move(handler)});
 }
 
 } // namespace

@@ -133,7 +133,7 @@ void DemoOps(std::ostream& out) {
     const std::size_t before = ops.GetPendingEventCount();
     ZT_WARNING("Disk space is low: %d MB left", 120);
     ZT_INFO("Opened company %s", "Northwind");
-    LoadLedger(nullptr);
+    (void)LoadLedger(nullptr);
     out << "  " << ops.GetPendingEventCount() - before
         << " events queued: two messages, and LoadLedger's entry, failed verification, status "
            "and exit\n";
@@ -147,7 +147,7 @@ void DemoOps(std::ostream& out) {
     ops.BeginOperations(&context);
     out << "BeginOperations replays them through the default subscriptions and Trace.ops;\n"
            "the info message is wanted by nobody. Ops.log now reads:\n";
-    LoadLedger("2026");
+    (void)LoadLedger("2026");
     ZT_EVENT(Ops::kCheckpoint, Ops::kLvlNA, "Year-end close finished");
     std::ifstream log(dir / "Ops.log");
     for (std::string line; std::getline(log, line);)

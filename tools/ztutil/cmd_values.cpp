@@ -181,7 +181,7 @@ void DemoValues(std::ostream& out) {
 
     Util::Guid guid;
     out << "A default Guid: " << static_cast<const char*>(guid) << "\n";
-    guid.Renew();
+    (void)guid.Renew();
     out << "After Renew:    " << static_cast<const char*>(guid) << "\n";
     Util::Guid parsed(Util::TString("{6B29FC40-CA47-1067-B31D-00DD010662DA}"));
     out << "Parsed from {6B29FC40-CA47-1067-B31D-00DD010662DA}: "
