@@ -7,7 +7,9 @@
 #include <cstring>
 #include <new>
 
+#include "Util/MemoryManager.h"
 #include "Util/Variant.h"
+#include "expression/src/noderules.h"
 
 namespace Util {
 namespace {
@@ -23,10 +25,6 @@ const unsigned char kOperationTable[5][5] = {
     {kNoResult, kNoResult, kNoResult, kNoResult, kNoResult},
 };
 
-enum CompareKind { kLess, kLessEqual, kGreater, kGreaterEqual, kEqual, kNotEqual };
-
-const double kCompareTolerance = 0.0001;
-
 std::int32_t SaturateToLong(double value) {
     if (std::isnan(value))
         return 0;
@@ -37,10 +35,7 @@ std::int32_t SaturateToLong(double value) {
     return static_cast<std::int32_t>(value); // truncates toward zero
 }
 
-// 32-bit two's complement wrap-around, without signed overflow.
-std::int32_t Wrap(std::int64_t value) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(value)));
-}
+using NodeRules::Wrap;
 
 bool IsNumberCharacter(char c) {
     return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' ||
@@ -91,12 +86,27 @@ void NodeVariantData::ReleaseHeap() noexcept {
     }
 }
 
+// A text that cannot be stored is an error value, never an empty text that looks like a result.
+void NodeVariantData::SetOutOfMemory() noexcept {
+    static const char kText[] = "Out of memory ";
+    static_assert(sizeof kText <= kInlineSize, "the message fits the inline buffer");
+    ReleaseHeap();
+    m_type = NVDT_STRING;
+    m_status = PNS_OUT_OF_MEMORY;
+    m_actualKnown = false;
+    m_long = 0;
+    m_double = 0.0;
+    std::memcpy(m_pString, kText, sizeof kText);
+    m_length = sizeof kText - 1;
+}
+
 char* NodeVariantData::Reserve(std::size_t length) {
     // The inline buffer takes texts shorter than its size less one; a heap block takes anything
     // that fits it, so it is kept (with its capacity) until a longer text comes.
     const bool fits = m_pString == m_inline ? length + 1 < kInlineSize : length + 1 <= m_capacity;
     if (!fits) {
-        char* block = new (std::nothrow) char[length + 1];
+        char* block =
+            Detail::ShouldFailAllocation() ? nullptr : new (std::nothrow) char[length + 1];
         if (block == nullptr)
             return nullptr;
         ReleaseHeap();
@@ -106,19 +116,20 @@ char* NodeVariantData::Reserve(std::size_t length) {
     return m_pString;
 }
 
-void NodeVariantData::AssignString(const char* text, std::size_t length) {
+bool NodeVariantData::AssignString(const char* text, std::size_t length) {
     m_type = NVDT_STRING;
     m_actualKnown = false;
     m_long = 0;
     m_double = 0.0;
     if (length >= UINT32_MAX || Reserve(length) == nullptr) {
-        // Out of memory: keep a valid (empty) text rather than fail.
-        length = 0;
+        SetOutOfMemory();
+        return false;
     }
     if (length != 0)
         std::memmove(m_pString, text, length);
     m_pString[length] = '\0';
     m_length = static_cast<std::uint32_t>(length);
+    return true;
 }
 
 void NodeVariantData::SetText(const char* a, const char* b, const char* c, ParseNodeStatus status) {
@@ -139,10 +150,9 @@ void NodeVariantData::SetText(const char* a, const char* b, const char* c, Parse
     m_actualKnown = false;
     m_long = 0;
     m_double = 0.0;
-    char* out = Reserve(length);
+    char* out = length >= UINT32_MAX ? nullptr : Reserve(length);
     if (out == nullptr) {
-        m_pString[0] = '\0';
-        m_length = 0;
+        SetOutOfMemory();
         return;
     }
     std::memcpy(out, a, la);
@@ -157,7 +167,8 @@ NodeVariantData& NodeVariantData::operator=(const NodeVariantData& other) {
         return *this;
     m_status = other.m_status;
     if (other.m_type == NVDT_STRING) {
-        AssignString(other.m_pString, other.m_length);
+        if (!AssignString(other.m_pString, other.m_length))
+            return *this; // the copy is the out-of-memory error value
         m_actualType = other.m_actualType;
         m_actualKnown = other.m_actualKnown;
         m_status = other.m_status;
@@ -380,6 +391,52 @@ inline int KindOf(const NodeVariantData& left, const NodeVariantData& right) {
 
 } // namespace
 
+bool NodeVariantData::AppendTaking(NodeVariantData& left, const NodeVariantData& right) {
+    if (&left == this || &right == this || &right == &left || left.HasError() || right.HasError() ||
+        left.m_type != NVDT_STRING || left.m_pString == left.m_inline ||
+        KindOf(left, right) != kTextOp)
+        return false;
+    const char* rightText = right.GetText();
+    const std::size_t rightLength = std::strlen(rightText);
+    const std::size_t length = std::size_t(left.m_length) + rightLength;
+    if (length + 1 >= UINT32_MAX) {
+        SetOutOfMemory();
+        return true;
+    }
+    if (length + 1 > left.m_capacity) {
+        // Doubling: a chain of n appends copies each character a bounded number of times.
+        std::size_t capacity = std::size_t(left.m_capacity) * 2;
+        if (capacity < length + 1 || capacity >= UINT32_MAX)
+            capacity = length + 1;
+        char* block = Detail::ShouldFailAllocation() ? nullptr : new (std::nothrow) char[capacity];
+        if (block == nullptr) {
+            SetOutOfMemory();
+            return true;
+        }
+        std::memcpy(block, left.m_pString, left.m_length);
+        delete[] left.m_pString;
+        left.m_pString = block;
+        left.m_capacity = static_cast<std::uint32_t>(capacity);
+    }
+    std::memcpy(left.m_pString + left.m_length, rightText, rightLength + 1);
+    ReleaseHeap();
+    m_pString = left.m_pString;
+    m_capacity = left.m_capacity;
+    m_length = static_cast<std::uint32_t>(length);
+    m_type = NVDT_STRING;
+    m_status = PNS_SUCCESS;
+    m_actualKnown = false;
+    m_long = 0;
+    m_double = 0.0;
+    left.m_pString = left.m_inline;
+    left.m_capacity = kInlineSize;
+    left.m_inline[0] = '\0';
+    left.m_length = 0;
+    left.m_type = NVDT_NONE;
+    left.m_actualKnown = false;
+    return true;
+}
+
 NodeVariantData NodeVariantData::TextOperation(const NodeVariantData& right,
                                                const char* word) const {
     NodeVariantData result;
@@ -398,9 +455,11 @@ NodeVariantData NodeVariantData::operator+(const NodeVariantData& right) const {
         return right;
     switch (KindOf(*this, right)) {
     case kLongOp:
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) + right.GetLong()));
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kAddition, GetLong(), right.GetLong()));
     case kDoubleOp:
-        return NodeVariantData(GetDouble() + right.GetDouble());
+        return NodeVariantData(
+            NodeRules::DoubleArithmetic(NodeRules::kAddition, GetDouble(), right.GetDouble()));
     case kTextOp: {
         NodeVariantData result;
         const char* leftText = GetText();
@@ -420,9 +479,11 @@ NodeVariantData NodeVariantData::operator-(const NodeVariantData& right) const {
         return right;
     switch (KindOf(*this, right)) {
     case kLongOp:
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) - right.GetLong()));
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kSubtraction, GetLong(), right.GetLong()));
     case kDoubleOp:
-        return NodeVariantData(GetDouble() - right.GetDouble());
+        return NodeVariantData(
+            NodeRules::DoubleArithmetic(NodeRules::kSubtraction, GetDouble(), right.GetDouble()));
     case kTextOp:
         return TextOperation(right, " SUBTRACT ");
     default:
@@ -437,9 +498,11 @@ NodeVariantData NodeVariantData::operator*(const NodeVariantData& right) const {
         return right;
     switch (KindOf(*this, right)) {
     case kLongOp:
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) * right.GetLong()));
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kMultiplication, GetLong(), right.GetLong()));
     case kDoubleOp:
-        return NodeVariantData(GetDouble() * right.GetDouble());
+        return NodeVariantData(NodeRules::DoubleArithmetic(NodeRules::kMultiplication, GetDouble(),
+                                                           right.GetDouble()));
     case kTextOp:
         return TextOperation(right, " MULTIPLY ");
     default:
@@ -453,19 +516,12 @@ NodeVariantData NodeVariantData::operator/(const NodeVariantData& right) const {
     if (right.HasError())
         return right;
     switch (KindOf(*this, right)) {
-    case kLongOp: {
-        const std::int32_t divisor = right.GetLong();
-        if (divisor == 0)
-            return NodeVariantData(static_cast<int>(2147483647));
-        // INT32_MIN / -1 does not fit: computed in 64 bits, it wraps like the other operations.
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) / divisor));
-    }
-    case kDoubleOp: {
-        const double divisor = right.GetDouble();
-        if (divisor == 0.0)
-            return NodeVariantData(DBL_MAX);
-        return NodeVariantData(GetDouble() / divisor);
-    }
+    case kLongOp:
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kDivision, GetLong(), right.GetLong()));
+    case kDoubleOp:
+        return NodeVariantData(
+            NodeRules::DoubleArithmetic(NodeRules::kDivision, GetDouble(), right.GetDouble()));
     case kTextOp:
         return TextOperation(right, " DIVIDE ");
     default:
@@ -479,7 +535,7 @@ NodeVariantData NodeVariantData::operator-() const {
     switch (GetActualStoredDataType()) {
     case NVDT_NONE:
     case NVDT_LONG:
-        return NodeVariantData(Wrap(-static_cast<std::int64_t>(GetLong())));
+        return NodeVariantData(NodeRules::NegateLong(GetLong()));
     case NVDT_DOUBLE:
         return NodeVariantData(-GetDouble());
     case NVDT_STRING: {
@@ -499,16 +555,10 @@ int NodeVariantData::compare(const NodeVariantData& other, ParseNodeStatus& stat
     }
     status = PNS_SUCCESS;
     switch (KindOf(*this, other)) {
-    case kLongOp: {
-        const std::int64_t difference = static_cast<std::int64_t>(GetLong()) - other.GetLong();
-        return difference < INT32_MIN   ? INT32_MIN
-               : difference > INT32_MAX ? INT32_MAX
-                                        : static_cast<int>(difference);
-    }
-    case kDoubleOp: {
-        const double difference = GetDouble() - other.GetDouble();
-        return difference < -kCompareTolerance ? -1 : difference > kCompareTolerance ? 1 : 0;
-    }
+    case kLongOp:
+        return NodeRules::LongOrder(GetLong(), other.GetLong());
+    case kDoubleOp:
+        return NodeRules::DoubleOrder(GetDouble(), other.GetDouble());
     case kTextOp: {
         const char* leftText = GetText();
         if (&other == this)
@@ -527,47 +577,26 @@ NodeVariantData NodeVariantData::Compared(const NodeVariantData& right, int kind
         return right;
     ParseNodeStatus status = PNS_SUCCESS;
     const int order = compare(right, status);
-    bool truth = false;
-    switch (kind) {
-    case kLess:
-        truth = order < 0;
-        break;
-    case kLessEqual:
-        truth = order <= 0;
-        break;
-    case kGreater:
-        truth = order > 0;
-        break;
-    case kGreaterEqual:
-        truth = order >= 0;
-        break;
-    case kEqual:
-        truth = order == 0;
-        break;
-    default:
-        truth = order != 0;
-        break;
-    }
-    return NodeVariantData(truth ? 1 : 0);
+    return NodeVariantData(NodeRules::Holds(static_cast<CompareType>(kind), order) ? 1 : 0);
 }
 
 NodeVariantData NodeVariantData::operator<(const NodeVariantData& right) const {
-    return Compared(right, kLess);
+    return Compared(right, CT_LESS);
 }
 NodeVariantData NodeVariantData::operator<=(const NodeVariantData& right) const {
-    return Compared(right, kLessEqual);
+    return Compared(right, CT_LESS_EQUAL);
 }
 NodeVariantData NodeVariantData::operator>(const NodeVariantData& right) const {
-    return Compared(right, kGreater);
+    return Compared(right, CT_GREATER);
 }
 NodeVariantData NodeVariantData::operator>=(const NodeVariantData& right) const {
-    return Compared(right, kGreaterEqual);
+    return Compared(right, CT_GREATER_EQUAL);
 }
 NodeVariantData NodeVariantData::operator==(const NodeVariantData& right) const {
-    return Compared(right, kEqual);
+    return Compared(right, CT_EQUAL);
 }
 NodeVariantData NodeVariantData::operator!=(const NodeVariantData& right) const {
-    return Compared(right, kNotEqual);
+    return Compared(right, CT_NOT_EQUAL);
 }
 
 NodeVariantData NodeVariantData::operator&(const NodeVariantData& right) const {
@@ -577,7 +606,7 @@ NodeVariantData NodeVariantData::operator&(const NodeVariantData& right) const {
         return right;
     if (KindOf(*this, right) == kTextOp)
         return TextOperation(right, " AND ");
-    return NodeVariantData((GetLong() != 0 && right.GetLong() != 0) ? 1 : 0);
+    return NodeVariantData(NodeRules::IsTrue(*this) && NodeRules::IsTrue(right) ? 1 : 0);
 }
 
 NodeVariantData NodeVariantData::operator||(const NodeVariantData& right) const {
@@ -587,7 +616,7 @@ NodeVariantData NodeVariantData::operator||(const NodeVariantData& right) const 
         return right;
     if (KindOf(*this, right) == kTextOp)
         return TextOperation(right, " OR ");
-    return NodeVariantData((GetLong() != 0 || right.GetLong() != 0) ? 1 : 0);
+    return NodeVariantData(NodeRules::IsTrue(*this) || NodeRules::IsTrue(right) ? 1 : 0);
 }
 
 } // namespace Util

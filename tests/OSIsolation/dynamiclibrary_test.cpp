@@ -6,6 +6,8 @@
 #include <atomic>
 #include <thread>
 
+using namespace Util::Win32;
+
 using Util::DynamicLibrary;
 
 TEST(DynamicLibrary, LoadsARealLibraryAndFindsItsSymbols) {

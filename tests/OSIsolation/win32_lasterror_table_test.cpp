@@ -12,6 +12,8 @@
 #include <atomic>
 #include <thread>
 
+using namespace Util::Win32;
+
 namespace {
 
 struct LastErrorRow {

@@ -14,6 +14,8 @@
 #include "Util/Win32.h"
 #include "tests/OSIsolation/wine_deviations.h"
 
+using namespace Util::Win32;
+
 namespace fs = std::filesystem;
 namespace W = Util::Win32;
 
