@@ -54,6 +54,10 @@ struct ZTUTIL_API CaseBlindLess {
 ZTUTIL_API void TrimRight(TString& text);
 ZTUTIL_API void TrimRight(std::string& text);
 
+// Appends the UTF-8 form of one code point (below 0x110000). A lone surrogate is written in the
+// three-byte form, so that text carrying one comes back unchanged.
+ZTUTIL_API void AppendUtf8(std::string& out, char32_t codePoint);
+
 // UTF-8 to UTF-16; returns false when the input held malformed sequences (replaced by U+FFFD).
 ZTUTIL_API bool Utf8ToUtf16(const std::string& in, std::u16string& out);
 // UTF-16 to UTF-8; returns false when the input held unpaired surrogates (replaced by U+FFFD).
