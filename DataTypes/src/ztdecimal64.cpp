@@ -1,11 +1,18 @@
 #include "Util/ZtDecimal64.h"
 
+#include <cstring>
+#include <string>
+
 #include "DataTypes/src/ztdecimal64_bid.h"
+#include "DataTypes/src/ztdecimal64_text.h"
 
 // The hot operators are one library call each and nothing else, so that the compiler turns
 // them into a tail call and they cost no more than calling the library directly.
 
 namespace {
+// Longer than any spelling of infinity or NaN the library knows, with a sign and a payload.
+const std::size_t kMaxSpecialText = 64;
+
 BID_UINT64 ScaledRound(BID_UINT64 x, int place, BID_UINT64 (*roundIntegral)(BID_UINT64)) {
     if (place == 0) {
         return roundIntegral(x);
@@ -46,8 +53,23 @@ void ZtDecimal64::SetDoubleValue(double value) {
 }
 
 void ZtDecimal64::SetStringValue(const char* text) {
-    // The library's parser takes a non-const pointer but only reads it; a null text is zero.
-    m_value = text ? bid64_from_string(const_cast<char*>(text)) : kZeroBits;
+    if (text == nullptr) {
+        m_value = kZeroBits;
+        return;
+    }
+    // Numbers reach the library's parser only in a short exact form (see ztdecimal64_text.h).
+    // Other text (infinities, NaNs, mistakes) goes as it is when short; long text that is not a
+    // number is not a number.
+    std::string shortened;
+    if (ZtDecimalText::Shorten(text, shortened)) {
+        m_value = bid64_from_string(&shortened[0]);
+    } else if (std::strlen(text) <= kMaxSpecialText) {
+        // The library's parser takes a non-const pointer but only reads it.
+        m_value = bid64_from_string(const_cast<char*>(text));
+    } else {
+        static char s_notANumber[] = "?"; // what the library answers for any text it rejects
+        m_value = bid64_from_string(s_notANumber);
+    }
 }
 
 void ZtDecimal64::SetWhole(const ZtDecimal64& whole) {

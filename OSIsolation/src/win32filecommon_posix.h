@@ -39,6 +39,18 @@ bool IsReadOnly(const struct stat& info);
 DWORD AttributesOf(const struct stat& info, const std::string& path);
 FILETIME FileTimeOf(const struct timespec& time);
 
+// Fills the fields WIN32_FILE_ATTRIBUTE_DATA and WIN32_FIND_DATAA share.
+template <typename Data>
+void DescribeFile(Data& data, const struct stat& info, const std::string& path) {
+    data.dwFileAttributes = AttributesOf(info, path);
+    data.ftCreationTime = FileTimeOf(info.st_ctim);
+    data.ftLastAccessTime = FileTimeOf(info.st_atim);
+    data.ftLastWriteTime = FileTimeOf(info.st_mtim);
+    const std::uint64_t size = S_ISDIR(info.st_mode) ? 0 : static_cast<std::uint64_t>(info.st_size);
+    data.nFileSizeHigh = static_cast<DWORD>(size >> 32);
+    data.nFileSizeLow = static_cast<DWORD>(size & 0xFFFFFFFFu);
+}
+
 // Handles: entries of a process-wide table, so that a stale or made-up handle is recognised.
 enum class HandleKind { File, Find, Change };
 

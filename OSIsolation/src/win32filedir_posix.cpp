@@ -160,13 +160,7 @@ BOOL GetFileAttributesExA(LPCSTR fileName, GET_FILEEX_INFO_LEVELS infoLevelId,
     if (::stat(path.c_str(), &info) != 0)
         return FailWith(ErrorForPath(errno, path));
     auto* data = static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(fileInformation);
-    data->dwFileAttributes = AttributesOf(info, path);
-    data->ftCreationTime = FileTimeOf(info.st_ctim);
-    data->ftLastAccessTime = FileTimeOf(info.st_atim);
-    data->ftLastWriteTime = FileTimeOf(info.st_mtim);
-    const std::uint64_t size = S_ISDIR(info.st_mode) ? 0 : static_cast<std::uint64_t>(info.st_size);
-    data->nFileSizeHigh = static_cast<DWORD>(size >> 32);
-    data->nFileSizeLow = static_cast<DWORD>(size & 0xFFFFFFFFu);
+    DescribeFile(*data, info, path);
     return TRUE;
 }
 

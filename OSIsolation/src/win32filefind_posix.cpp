@@ -51,13 +51,7 @@ bool Describe(const std::string& directory, const std::string& name, WIN32_FIND_
     if (::stat(path.c_str(), &info) != 0 && ::lstat(path.c_str(), &info) != 0)
         return false;
     std::memset(&data, 0, sizeof data);
-    data.dwFileAttributes = AttributesOf(info, name);
-    data.ftCreationTime = FileTimeOf(info.st_ctim);
-    data.ftLastAccessTime = FileTimeOf(info.st_atim);
-    data.ftLastWriteTime = FileTimeOf(info.st_mtim);
-    const std::uint64_t size = S_ISDIR(info.st_mode) ? 0 : static_cast<std::uint64_t>(info.st_size);
-    data.nFileSizeHigh = static_cast<DWORD>(size >> 32);
-    data.nFileSizeLow = static_cast<DWORD>(size & 0xFFFFFFFFu);
+    DescribeFile(data, info, name);
     const std::size_t length = std::min(name.size(), sizeof data.cFileName - 1);
     std::memcpy(data.cFileName, name.data(), length);
     return true;

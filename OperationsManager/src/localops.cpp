@@ -75,7 +75,13 @@ Status LocalOps::ReportStatus(long code, long line, const AttributeSet& attribut
 Status LocalOps::ReportStatusV(long code, long line, const char* format, va_list args) {
     ErrorStateGuard errorState;
     const std::string text = OpsDetail::FormatV(format, args);
-    return ReportStatus(Status(code, text.c_str()), line);
+    // The arguments are the caller's data (file names, values): a '%' in the result is text,
+    // never a placeholder, so such a message travels whole as an attribute.
+    if (text.find('%') == std::string::npos)
+        return ReportStatus(Status(code, text.c_str()), line);
+    Status status(code, "%Message%");
+    status.SetAttribute("Message", text.c_str());
+    return ReportStatus(status, line);
 }
 
 Status LocalOps::ReportStatusV(long code, long line, const AttributeSet& attributes,

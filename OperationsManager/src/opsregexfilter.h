@@ -1,5 +1,6 @@
 // The regular-expression filters: FILE_NAME_FILTER, FUNC_NAME_FILTER, FUNC_SIG_FILTER and
-// MESSAGE_FILTER, each with the attribute "regexp" (ECMAScript, compiled once, searched).
+// MESSAGE_FILTER, each with the attribute "regexp" (RE2 syntax, compiled once, searched in
+// linear time).
 #pragma once
 
 #include "Util/OpsFilter.h"

@@ -1,11 +1,10 @@
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include <pugixml.hpp>
 
 #include "OperationsManager/src/opsfilterdom.h"
+#include "OperationsManager/src/opsreadfile.h"
 #include "Util/AttributeSet.h"
 #include "Util/OpsMacros.h"
 #include "Util/OpsMessageHandlerManager.h"
@@ -22,6 +21,14 @@ const char kHandlersElement[] = "Handlers";
 
 // Deeper nesting than any sensible filter needs; also keeps hostile files off the stack's end.
 const int kMaxFilterDepth = 32;
+
+// Element names, attribute values and regular expressions come from the file: they travel as an
+// attribute, so that a '%' in them is shown as written instead of being read as a placeholder.
+Status Malformed(const std::string& reason) {
+    Status status(-14, "%Reason%");
+    status.SetAttribute("Reason", reason.c_str());
+    return status;
+}
 
 struct ParseError {
     const pugi::xml_node node;
@@ -118,7 +125,7 @@ Status BuildFilterDOM(const OpsSubscriptionManager& manager, const pugi::xml_nod
     if (std::strcmp(element.name(), kFilterElement) != 0) {
         std::unique_ptr<OpsFilter> filter = BuildFilter(manager, element, 1, error, where);
         if (!filter)
-            return Status(-14, error.c_str());
+            return Malformed(error);
         out = std::move(filter);
         return Status::GetSucceeded();
     }
@@ -132,7 +139,7 @@ Status BuildFilterDOM(const OpsSubscriptionManager& manager, const pugi::xml_nod
             continue;
         std::unique_ptr<OpsFilter> filter = BuildFilter(manager, filterElement, 1, error, where);
         if (!filter)
-            return Status(-14, error.c_str());
+            return Malformed(error);
         all->Add(std::move(filter));
     }
     out = std::move(all);
@@ -144,9 +151,8 @@ Status BuildFilterDOM(const OpsSubscriptionManager& manager, const pugi::xml_nod
 Status OpsSubscriptionManager::BuildSubscriptionDOM(const pugi::xml_node& element,
                                                     Subscription& out) const {
     if (!IsElement(element) || std::strcmp(element.name(), kSubscriptionElement) != 0) {
-        return Status(-14, (std::string("expected <") + kSubscriptionElement + ">, found <" +
-                            element.name() + ">")
-                               .c_str());
+        return Malformed(std::string("expected <") + kSubscriptionElement + ">, found <" +
+                         element.name() + ">");
     }
     out = Subscription();
     const pugi::xml_attribute name = element.attribute("name");
@@ -155,9 +161,8 @@ Status OpsSubscriptionManager::BuildSubscriptionDOM(const pugi::xml_node& elemen
     out.name = name.value();
     for (const pugi::xml_attribute& attribute : element.attributes()) {
         if (std::strcmp(attribute.name(), "name") != 0)
-            return Status(-14, (std::string("unknown attribute \"") + attribute.name() +
-                                "\" on <Subscription>")
-                                   .c_str());
+            return Malformed(std::string("unknown attribute \"") + attribute.name() +
+                             "\" on <Subscription>");
     }
     pugi::xml_node stray;
     if (HasStrayText(element, stray))
@@ -188,17 +193,15 @@ Status OpsSubscriptionManager::BuildSubscriptionDOM(const pugi::xml_node& elemen
                     OpsMessageHandlerManager::GetInstance().CreateHandler(
                         handlerElement.name(), AttributesOf(handlerElement), reason);
                 if (!handler)
-                    return Status(-14, reason.c_str());
+                    return Malformed(reason.c_str());
                 if (handlerElement.first_child())
-                    return Status(-14, (std::string("the handler <") + handlerElement.name() +
-                                        "> cannot hold other elements")
-                                           .c_str());
+                    return Malformed(std::string("the handler <") + handlerElement.name() +
+                                     "> cannot hold other elements");
                 out.handlers.push_back(std::move(handler));
             }
         } else {
-            return Status(-14, (std::string("unknown element <") + child.name() +
-                                "> in <Subscription>; expected <Filter> or <Handlers>")
-                                   .c_str());
+            return Malformed(std::string("unknown element <") + child.name() +
+                             "> in <Subscription>; expected <Filter> or <Handlers>");
         }
     }
     if (out.handlers.empty())
@@ -227,11 +230,13 @@ Status OpsSubscriptionFileManager::ParseText(
     subscriptions.clear();
     const std::string file = name ? name : "";
     const auto failure = [&](long line, const std::string& what) {
-        std::string message = "Subscription file \"" + file + "\" is malformed";
-        if (line > 0)
-            message += " (line " + std::to_string(line) + ")";
-        message += ": " + what;
-        return Status(-14, message.c_str());
+        Status status(
+            -14, line > 0 ? "Subscription file \"%FileName%\" is malformed (line %Line%): %Reason%"
+                          : "Subscription file \"%FileName%\" is malformed: %Reason%");
+        status.SetAttribute("FileName", file.c_str());
+        status.SetAttribute("Line", line);
+        status.SetAttribute("Reason", what.c_str());
+        return status;
     };
 
     pugi::xml_document document;
@@ -267,15 +272,17 @@ Status OpsSubscriptionFileManager::ParseText(
 Status OpsSubscriptionFileManager::ParseFile(
     const char* path, std::vector<OpsSubscriptionManager::Subscription>& subscriptions) {
     subscriptions.clear();
-    std::ifstream in(path ? path : "", std::ios::binary);
-    if (!in) {
-        return Status(
-            -8, (std::string("Subscription file \"") + (path ? path : "") + "\" cannot be read")
-                    .c_str());
+    std::string text;
+    OpsDetail::ReadFileFailure failure;
+    if (!OpsDetail::ReadRegularFile(path ? path : "", OpsDetail::kMaxSubscriptionFileSize, text,
+                                    failure)) {
+        Status status(-8, "Subscription file \"%FileName%\" cannot be read: %Reason%");
+        status.SetAttribute("FileName", path ? path : "");
+        status.SetAttribute("Reason", failure.reason.c_str());
+        if (failure.win32Error != 0)
+            status.SetAttribute("Win32Error", static_cast<long>(failure.win32Error));
+        return status;
     }
-    std::ostringstream content;
-    content << in.rdbuf();
-    const std::string text = content.str();
     return ParseText(text.data(), text.size(), path, subscriptions);
 }
 

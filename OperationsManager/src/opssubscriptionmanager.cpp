@@ -9,6 +9,17 @@
 
 namespace Util {
 
+namespace {
+
+// The reason names keywords and values given by the caller: it is an attribute, not the format.
+Status Refused(const TString& reason) {
+    Status status(-3, "%Reason%");
+    status.SetAttribute("Reason", reason);
+    return status;
+}
+
+} // namespace
+
 struct OpsSubscriptionManager::Registry {
     mutable std::mutex mutex;
     std::map<std::string, OpsFilterFactory> filters;
@@ -59,11 +70,11 @@ Status OpsSubscriptionManager::AddSubscription(const char* name, const char* han
     TString error;
     std::unique_ptr<OpsFilter> filter = CreateFilter(filterKeyword, attributes, error);
     if (!filter)
-        return Status(-3, error.c_str());
+        return Refused(error);
     std::shared_ptr<OpsMessageHandler> handler =
         OpsMessageHandlerManager::GetInstance().CreateHandler(handlerKeyword, attributes, error);
     if (!handler)
-        return Status(-3, error.c_str());
+        return Refused(error);
     return AddSubscription(name, std::shared_ptr<const OpsFilter>(std::move(filter)), {handler},
                            owner);
 }

@@ -91,6 +91,20 @@ void NodeVariantData::ReleaseHeap() noexcept {
     }
 }
 
+// A text that cannot be stored is an error value, never an empty text that looks like a result.
+void NodeVariantData::SetOutOfMemory() noexcept {
+    static const char kText[] = "Out of memory ";
+    static_assert(sizeof kText <= kInlineSize, "the message fits the inline buffer");
+    ReleaseHeap();
+    m_type = NVDT_STRING;
+    m_status = PNS_OUT_OF_MEMORY;
+    m_actualKnown = false;
+    m_long = 0;
+    m_double = 0.0;
+    std::memcpy(m_pString, kText, sizeof kText);
+    m_length = sizeof kText - 1;
+}
+
 char* NodeVariantData::Reserve(std::size_t length) {
     // The inline buffer takes texts shorter than its size less one; a heap block takes anything
     // that fits it, so it is kept (with its capacity) until a longer text comes.
@@ -112,8 +126,8 @@ void NodeVariantData::AssignString(const char* text, std::size_t length) {
     m_long = 0;
     m_double = 0.0;
     if (length >= UINT32_MAX || Reserve(length) == nullptr) {
-        // Out of memory: keep a valid (empty) text rather than fail.
-        length = 0;
+        SetOutOfMemory();
+        return;
     }
     if (length != 0)
         std::memmove(m_pString, text, length);
@@ -139,10 +153,9 @@ void NodeVariantData::SetText(const char* a, const char* b, const char* c, Parse
     m_actualKnown = false;
     m_long = 0;
     m_double = 0.0;
-    char* out = Reserve(length);
+    char* out = length >= UINT32_MAX ? nullptr : Reserve(length);
     if (out == nullptr) {
-        m_pString[0] = '\0';
-        m_length = 0;
+        SetOutOfMemory();
         return;
     }
     std::memcpy(out, a, la);
@@ -379,6 +392,52 @@ inline int KindOf(const NodeVariantData& left, const NodeVariantData& right) {
 }
 
 } // namespace
+
+bool NodeVariantData::AppendTaking(NodeVariantData& left, const NodeVariantData& right) {
+    if (&left == this || &right == this || &right == &left || left.HasError() || right.HasError() ||
+        left.m_type != NVDT_STRING || left.m_pString == left.m_inline ||
+        KindOf(left, right) != kTextOp)
+        return false;
+    const char* rightText = right.GetText();
+    const std::size_t rightLength = std::strlen(rightText);
+    const std::size_t length = std::size_t(left.m_length) + rightLength;
+    if (length + 1 >= UINT32_MAX) {
+        SetOutOfMemory();
+        return true;
+    }
+    if (length + 1 > left.m_capacity) {
+        // Doubling: a chain of n appends copies each character a bounded number of times.
+        std::size_t capacity = std::size_t(left.m_capacity) * 2;
+        if (capacity < length + 1 || capacity >= UINT32_MAX)
+            capacity = length + 1;
+        char* block = new (std::nothrow) char[capacity];
+        if (block == nullptr) {
+            SetOutOfMemory();
+            return true;
+        }
+        std::memcpy(block, left.m_pString, left.m_length);
+        delete[] left.m_pString;
+        left.m_pString = block;
+        left.m_capacity = static_cast<std::uint32_t>(capacity);
+    }
+    std::memcpy(left.m_pString + left.m_length, rightText, rightLength + 1);
+    ReleaseHeap();
+    m_pString = left.m_pString;
+    m_capacity = left.m_capacity;
+    m_length = static_cast<std::uint32_t>(length);
+    m_type = NVDT_STRING;
+    m_status = PNS_SUCCESS;
+    m_actualKnown = false;
+    m_long = 0;
+    m_double = 0.0;
+    left.m_pString = left.m_inline;
+    left.m_capacity = kInlineSize;
+    left.m_inline[0] = '\0';
+    left.m_length = 0;
+    left.m_type = NVDT_NONE;
+    left.m_actualKnown = false;
+    return true;
+}
 
 NodeVariantData NodeVariantData::TextOperation(const NodeVariantData& right,
                                                const char* word) const {

@@ -122,6 +122,9 @@ public:
     static void ApplyBinary(Kind kind, ExpressParseNode* node, const NodeVariantData& left,
                             const NodeVariantData& right);
     static void LookUpVariable(VarNode* node, bool noTable, const SymbolLookupValues& symbols);
+    // Lets go of a used inner operand's long text (see parsetreeeval.cpp).
+    static bool HoldsReleasableText(ExpressParseNode* child);
+    static void ReleaseUsedText(ExpressParseNode* child);
     static bool IsPlainNumber(const NodeVariantData& value) {
         return value.m_status == PNS_SUCCESS &&
                (value.m_type == NVDT_LONG || value.m_type == NVDT_DOUBLE);

@@ -1,6 +1,7 @@
 #include <cfloat>
 #include <cstdint>
 #include <cstring>
+#include <unordered_set>
 
 #include "expression/src/parsetreeengine.h"
 
@@ -181,6 +182,31 @@ void ParseTreeEngine::ApplyBinary(Kind kind, ExpressParseNode* node, const NodeV
     }
 }
 
+// Once a binary node has its value, the value of an inner operand is no longer needed. A long
+// text is let go at once: a chain of concatenations a+b+c+... would otherwise keep every prefix
+// in its own node, memory growing with the square of the number of terms. Short texts, numbers
+// and the leaves' values stay, so a printed tree still shows them.
+bool ParseTreeEngine::HoldsReleasableText(ExpressParseNode* child) {
+    if (child == nullptr)
+        return false;
+    const NodeVariantData& value = child->m_value;
+    if (value.m_type != NVDT_STRING || value.m_pString == value.m_inline)
+        return false;
+    const Kind kind = ClassifyExact(child);
+    return kind != kNum && kind != kString && kind != kVar && kind != kForeign;
+}
+
+void ParseTreeEngine::ReleaseUsedText(ExpressParseNode* child) {
+    if (!HoldsReleasableText(child))
+        return;
+    NodeVariantData& value = child->m_value;
+    value.ReleaseHeap();
+    value.m_type = NVDT_NONE;
+    value.m_actualKnown = false;
+    value.m_pString[0] = '\0';
+    value.m_length = 0;
+}
+
 namespace {
 
 // How deep the recursive evaluation may go before it hands a subtree to the explicit-stack walk:
@@ -212,7 +238,12 @@ const NodeVariantData& ParseTreeEngine::EvaluateShallow(ExpressParseNode* node, 
         auto* bin = static_cast<BinNode*>(node);
         const NodeVariantData& left = EvaluateChild(bin->m_pLeft, noTable, symbols, depth);
         const NodeVariantData& right = EvaluateChild(bin->m_pRight, noTable, symbols, depth);
-        ApplyBinary(kind, node, left, right);
+        // A text built by the left operand grows in place instead of being copied again.
+        if (kind != kAdd || !HoldsReleasableText(bin->m_pLeft) ||
+            !value.AppendTaking(bin->m_pLeft->m_value, right))
+            ApplyBinary(kind, node, left, right);
+        ReleaseUsedText(bin->m_pLeft);
+        ReleaseUsedText(bin->m_pRight);
         return value;
     }
     case kAnd:
@@ -290,6 +321,10 @@ NodeVariantData& ParseTreeEngine::EvaluateDeep(ExpressParseNode* root, Kind root
     SmallStack<Frame, 24> frames;
     SmallStack<const NodeVariantData*, 24> values;
     SmallStack<const ExpressParseNode*, 8> activeAliases; // alias trees being evaluated
+    // Alias trees already evaluated in this walk: an alias used again takes the value its tree
+    // still holds. Without this, aliases that each use the previous one twice would take time
+    // exponential in their number.
+    std::unordered_set<const ExpressParseNode*> evaluatedAliases;
 
     // Leaves are worked out on the spot; only inner nodes get a frame.
     // Returns whether the child's value is already on the value stack (false: it has a frame).
@@ -354,7 +389,11 @@ NodeVariantData& ParseTreeEngine::EvaluateDeep(ExpressParseNode* root, Kind root
             values.pop_back();
             const NodeVariantData& left = *values.back();
             values.pop_back();
-            ApplyBinary(frame.kind, node, left, right);
+            if (frame.kind != kAdd || !HoldsReleasableText(bin->m_pLeft) ||
+                !value.AppendTaking(bin->m_pLeft->m_value, right))
+                ApplyBinary(frame.kind, node, left, right);
+            ReleaseUsedText(bin->m_pLeft);
+            ReleaseUsedText(bin->m_pRight);
             finish(node);
             break;
         }
@@ -476,6 +515,7 @@ NodeVariantData& ParseTreeEngine::EvaluateDeep(ExpressParseNode* root, Kind root
             if (frame.state == 1) {
                 value = *values.back();
                 values.pop_back();
+                evaluatedAliases.insert(activeAliases.back());
                 activeAliases.pop_back();
                 finish(node);
                 break;
@@ -485,6 +525,8 @@ NodeVariantData& ParseTreeEngine::EvaluateDeep(ExpressParseNode* root, Kind root
                 value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
             } else if (!symbols.GetAliasValue(name, &tree) || tree == nullptr) {
                 value.SetText("Undefined Alias ", name, " ", PNS_UNDEFINED_ALIAS);
+            } else if (evaluatedAliases.count(tree) != 0) {
+                value = tree->m_value;
             } else {
                 bool recursive = false;
                 for (std::size_t i = 0; i < activeAliases.size() && !recursive; ++i)

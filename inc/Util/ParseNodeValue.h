@@ -40,7 +40,8 @@ enum ParseNodeStatus {
     PNS_NO_SYMBOL_TABLE = 11,
     PNS_TEXT_OPERATION = 12, // an operator other than "+" applied to text
     PNS_WRONG_PARAMETER_COUNT = 14,
-    PNS_RECURSIVE_ALIAS = 15 // an alias whose tree refers back to itself
+    PNS_RECURSIVE_ALIAS = 15, // an alias whose tree refers back to itself
+    PNS_OUT_OF_MEMORY = 16    // a text too long for the memory available ("Out of memory ")
 };
 
 enum NodeVariantDataType {
@@ -143,6 +144,10 @@ private:
     void AssignString(const char* text, std::size_t length);
     char* Reserve(std::size_t length); // room for length + 1, keeps nothing
     void ReleaseHeap() noexcept;
+    void SetOutOfMemory() noexcept;
+    // this = left + right for texts, reusing left's heap block (left is emptied); false, and
+    // nothing changed, when the sum is not a plain concatenation.
+    bool AppendTaking(NodeVariantData& left, const NodeVariantData& right);
     NodeVariantData Compared(const NodeVariantData& right, int kind) const;
     NodeVariantData TextOperation(const NodeVariantData& right, const char* word) const;
 

@@ -112,7 +112,33 @@ def rand_pair(rng):
     return a, rand_decimal(rng)
 
 
+def rand_long_text(rng):
+    """Texts the Intel parser gets wrong on its own: long digit strings, many leading zeros,
+    exponents far outside the range, and digits that sit exactly on a rounding tie."""
+    sign = rng.choice(["", "+", "-"])
+    kind = rng.randrange(4)
+    if kind == 0:  # 0.000...0ddd, around and below the smallest subnormal
+        text = "0." + "0" * rng.randint(360, 1200) + str(rng.randint(1, 10 ** rng.randint(1, 20)))
+    elif kind == 1:  # more than 16 significant digits, some ending in a tie 5000...0[1]
+        digits = str(rng.randint(1, 9)) + "".join(rng.choice("0123456789")
+                                                  for _ in range(rng.randint(16, 60)))
+        if rng.random() < 0.5:
+            digits = digits[:16] + "5" + "0" * rng.randint(0, 30) + rng.choice(["", "1"])
+        cut = rng.randint(0, len(digits))
+        text = "0" * rng.randint(0, 30) + digits[:cut] + "." + digits[cut:]
+    elif kind == 2:  # huge exponents in both directions
+        text = str(rng.randint(0, 10 ** rng.randint(1, 20))) + rng.choice("eE") + \
+            rng.choice(["", "+", "-"]) + str(rng.randint(0, 10 ** rng.randint(1, 30)))
+    else:  # long zeros with an exponent that brings the value back into range
+        zeros = rng.randint(300, 800)
+        text = "0." + "0" * zeros + str(rng.randint(1, 10 ** 18)) + "e" + \
+            str(zeros - rng.randint(-10, 400))
+    return sign + text
+
+
 def rand_text(rng):
+    if rng.random() < 0.1:
+        return rand_long_text(rng)
     sign = rng.choice(["", "", "+", "-"])
     whole = "".join(rng.choice("0123456789") for _ in range(rng.randint(0, 20)))
     frac = "".join(rng.choice("0123456789") for _ in range(rng.randint(0, 12)))

@@ -79,6 +79,30 @@ TEST(ZtDecimal64Text, SpecialValuesUseTheLibrarysSpelling) {
     EXPECT_TRUE(ZtDecimal64("garbage").IsNaN());
 }
 
+// Long digit strings, long zero runs and huge exponents; the oracle checks many more.
+TEST(ZtDecimal64Text, LongTextsRoundCorrectly) {
+    const std::string zeros400(400, '0'), zeros600(600, '0');
+    const struct {
+        std::string text;
+        const char* expected;
+    } cases[] = {
+        {"0." + std::string(398, '0') + "1", "+0E-398"},
+        {"0." + zeros600 + "1", "+0E-398"},
+        {"-0." + zeros600 + "1", "-0E-398"},
+        {"0." + std::string(397, '0') + "15", "+2E-398"},
+        {"0." + zeros400 + "1E+400", "+1E-1"},
+        {zeros400 + "12345678901234565", "+1234567890123456E+1"},
+        {"12345678901234575", "+1234567890123458E+1"},
+        {"12345678901234565" + std::string(40, '0') + "1", "+1234567890123457E+42"},
+        {"9999999999999999.5", "+1000000000000000E+1"},
+        {"1e99999999999999999999", "+Inf"},
+        {"-0e-99999999999999999999", "-0E-398"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(Text(ZtDecimal64(c.text.c_str())), c.expected) << c.text.substr(0, 40);
+    EXPECT_TRUE(ZtDecimal64((zeros600 + "1x").c_str()).IsNaN());
+}
+
 TEST(ZtDecimal64Classify, PredicatesFollowTheEncoding) {
     ZtDecimal64 snan(ZtDecimal64::NoInit);
     snan.SetInternallFromUInt64(0x7E00000000000000ULL);

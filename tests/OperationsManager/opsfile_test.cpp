@@ -88,6 +88,13 @@ TEST(OpsFile, MalformedDocumentsNameTheProblemAndLine) {
         {Wrap("<Subscription name='deep'><Filter>" + open + close +
               "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
          "nested too deeply"},
+        // Text from the file is shown as written, never read as a placeholder.
+        {Wrap("<Subscription name='a'><Filter><MESSAGE_FILTER regexp='([%FileName% %Line% %%'/>"
+              "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
+         "\"([%FileName% %Line% %%\""},
+        {Wrap("<Subscription name='a'><Filter><MESSAGE_FILTER regexp='(a)\\1'/>"
+              "</Filter><Handlers><BREAK/></Handlers></Subscription>"),
+         "bad regular expression"},
     };
     for (const auto& c : cases) {
         SubscriptionList subscriptions;

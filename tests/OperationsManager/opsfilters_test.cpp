@@ -79,6 +79,7 @@ TEST(OpsFilters, BadAttributesAreRefusedWithAReason) {
         {"EVENT_TYPE_FILTER", "type", "func_enter", "unknown event type \"func_enter\""},
         {"LEVEL_FILTER", "level", "WARNING", "unknown level \"WARNING\""},
         {"MESSAGE_FILTER", "regexp", "([a-z", "bad regular expression"},
+        {"MESSAGE_FILTER", "regexp", "a(?=b)", "bad regular expression"},
         {"FILE_NAME_FILTER", "pattern", "x", "needs the attribute \"regexp\""},
         {"INI_VALUE_FILTER", "file_name", "a.ini", "needs the attributes"},
         {"NO_SUCH_FILTER", "x", "y", "Unknown filter \"NO_SUCH_FILTER\""},
@@ -90,6 +91,34 @@ TEST(OpsFilters, BadAttributesAreRefusedWithAReason) {
         EXPECT_FALSE(GetOps().GetSubscriptionManager().CreateFilter(c.keyword, attributes, error));
         EXPECT_NE(std::string(error.c_str()).find(c.reason), std::string::npos)
             << c.keyword << ": " << error.c_str();
+    }
+}
+
+TEST(OpsFilters, HostileExpressionsAndTextsNeitherCrashNorStall) {
+    const std::string message(100000, 'a');
+    const struct {
+        std::string pattern;
+        bool matches;
+    } cases[] = {
+        {"(a|b)*$", true},
+        {".*x", false},
+        {"^(a+)+$", true},
+        {"a*b", false},
+        {std::string(1000, 'a'), true},
+        {std::string(450, '(') + "a" + std::string(450, ')'), true},
+    };
+    for (const auto& c : cases) {
+        auto filter = Make("MESSAGE_FILTER", {"regexp", c.pattern.c_str()});
+        ASSERT_TRUE(filter) << c.pattern.substr(0, 40);
+        EXPECT_EQ(Matches(*filter, Ops::kMessage, Ops::kLvlNA, message.c_str()), c.matches)
+            << c.pattern.substr(0, 40);
+    }
+    // Longer expressions are refused up front, not compiled or searched.
+    for (const std::string& pattern : {std::string(60000, 'a'), std::string(20000, '(')}) {
+        Util::TString error;
+        EXPECT_FALSE(GetOps().GetSubscriptionManager().CreateFilter(
+            "MESSAGE_FILTER", Attributes({"regexp", pattern.c_str()}), error));
+        EXPECT_NE(std::string(error.c_str()).find("longer than 1000"), std::string::npos);
     }
 }
 

@@ -46,6 +46,8 @@ const char* StatusText(Util::ParseNodeStatus status) {
         return "wrong number of parameters";
     case Util::PNS_RECURSIVE_ALIAS:
         return "recursive alias";
+    case Util::PNS_OUT_OF_MEMORY:
+        return "out of memory";
     default:
         return "unknown status";
     }

@@ -1,6 +1,7 @@
 // ztutil's value-type commands (base64, guid) and the "Value types" demo section.
 #include "tools/ztutil/registry.h"
 
+#include "tools/ztutil/base64stream.h"
 #include "tools/ztutil/cmd_values_stdio.h"
 
 #include "Util/Base64Coder.h"
@@ -22,15 +23,6 @@ const char kGuidUsage[] = "guid new|parse TEXT";
 
 // Input blocks: a multiple of 3 so that encoded blocks join without padding in between.
 const size_t kBlockSize = 3 * 64 * 1024;
-
-bool IsSkipped(unsigned char c) {
-    return (c >= 7 && c <= 13) || c == ' ';
-}
-
-bool IsBase64(unsigned char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' ||
-           c == '/' || c == '=';
-}
 
 class Input {
 public:
@@ -79,7 +71,9 @@ int Encode(Input& in) {
             break;
         }
         coder.Encode(block.data(), n);
-        std::fwrite(coder.EncodedMessage(), 1, coder.GetEncodedSize(), stdout);
+        if (std::fwrite(coder.EncodedMessage(), 1, coder.GetEncodedSize(), stdout) !=
+            coder.GetEncodedSize())
+            return 1; // reported by main, which checks standard output
         any = true;
         if (n < block.size()) {
             break;
@@ -96,39 +90,32 @@ int Encode(Input& in) {
 }
 
 int Decode(Input& in) {
-    Base64Coder coder;
+    ztutil::Base64StreamDecoder decoder;
     std::vector<unsigned char> block(kBlockSize);
-    std::vector<unsigned char> pending; // characters kept, not yet decoded
-    unsigned long long offset = 0;
+    std::vector<unsigned char> decoded;
     for (;;) {
-        size_t n = in.Read(block.data(), block.size());
-        for (size_t i = 0; i < n; ++i, ++offset) {
-            unsigned char c = block[i];
-            if (IsSkipped(c)) {
-                continue;
-            }
-            if (!IsBase64(c)) {
-                std::cerr << "ztutil base64: not a Base64 character at offset " << offset << "\n";
-                return 1;
-            }
-            pending.push_back(c);
-        }
-        bool last = n < block.size();
-        size_t whole = last ? pending.size() : pending.size() / 4 * 4;
-        if (whole != 0) {
-            coder.Decode(pending.data(), whole);
-            std::fwrite(coder.DecodedMessage(), 1, coder.GetDecodedSize(), stdout);
-            pending.erase(pending.begin(), pending.begin() + static_cast<std::ptrdiff_t>(whole));
-        }
-        if (last) {
+        const size_t n = in.Read(block.data(), block.size());
+        decoded.clear();
+        const bool good = decoder.Feed(block.data(), n, decoded);
+        // Bytes decoded before a bad character are written: they are the input's valid prefix.
+        if (!decoded.empty() &&
+            std::fwrite(decoded.data(), 1, decoded.size(), stdout) != decoded.size())
+            return 1; // reported by main, which checks standard output
+        if (!good)
             break;
-        }
+        if (n < block.size())
+            break;
     }
     if (in.Failed()) {
         std::cerr << "ztutil base64: read error: " << in.Error() << "\n";
         return 1;
     }
-    return std::fflush(stdout) == 0 ? 0 : 1;
+    if (!decoder.Finish()) {
+        std::cerr << "ztutil base64: " << decoder.Error() << " at offset " << decoder.ErrorOffset()
+                  << "\n";
+        return 1;
+    }
+    return 0;
 }
 
 int RunBase64(const std::vector<std::string>& args) {
@@ -136,6 +123,8 @@ int RunBase64(const std::vector<std::string>& args) {
         return ztutil::UsageError(kBase64Usage, "expected encode or decode and at most one file");
     }
     ztutil::UseBinaryStdio();
+    if (args.size() == 2 && args[1].empty())
+        return ztutil::UsageError(kBase64Usage, "the file name is empty");
     Input in(args.size() == 2 ? args[1] : std::string());
     if (!in.IsOpen()) {
         std::cerr << "ztutil base64: cannot open " << args[1] << ": " << in.Error() << "\n";

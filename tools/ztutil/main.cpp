@@ -4,6 +4,8 @@
 #include "Util/Version.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <iostream>
 
@@ -60,11 +62,21 @@ int RunDemo(const std::vector<std::string>& args) {
     return 0;
 }
 
-} // namespace
+// Output that could not be written (a full disk, a closed pipe, /dev/full) is a failure: the
+// caller would otherwise take a truncated result for a whole one.
+int CheckedExit(int status) {
+    std::cout.flush();
+    errno = 0;
+    const bool flushed = std::fflush(stdout) == 0;
+    const int error = errno;
+    if (flushed && std::cout && !std::ferror(stdout))
+        return status;
+    std::cerr << "ztutil: cannot write to standard output"
+              << (error != 0 ? std::string(": ") + std::strerror(error) : std::string()) << "\n";
+    return status != 0 ? status : 1;
+}
 
-ZTUTIL_COMMAND(demo, "demo", "Walk through what the library can do", RunDemo);
-
-int main(int argc, char** argv) {
+int Dispatch(int argc, char** argv) {
     if (argc < 2) {
         PrintHelp(std::cerr);
         return 2;
@@ -92,4 +104,12 @@ int main(int argc, char** argv) {
     std::cerr << "ztutil: unknown command '" << first << "'\n";
     std::cerr << "run 'ztutil --help' for the list of commands\n";
     return 2;
+}
+
+} // namespace
+
+ZTUTIL_COMMAND(demo, "demo", "Walk through what the library can do", RunDemo);
+
+int main(int argc, char** argv) {
+    return CheckedExit(Dispatch(argc, argv));
 }
