@@ -17,6 +17,8 @@
 namespace Norvane {
 namespace Utilities {
 
+using namespace Util::Win32;
+
 namespace {
 
 const char kEmptyRepository[] =

@@ -9,6 +9,9 @@ namespace Norvane {
 namespace Utilities {
 namespace Platform {
 
+// The Win32 names (global on Windows, in Util::Win32 elsewhere).
+using namespace Util::Win32;
+
 DWORD ProfileGetString(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer, DWORD size,
                        LPCSTR fileName);
 BOOL ProfileWriteString(LPCSTR section, LPCSTR key, LPCSTR value, LPCSTR fileName);

@@ -6,6 +6,8 @@ namespace Norvane {
 namespace Utilities {
 namespace Platform {
 
+using namespace Util::Win32;
+
 DWORD ProfileGetString(LPCSTR section, LPCSTR key, LPCSTR defaultValue, LPSTR buffer, DWORD size,
                        LPCSTR fileName) {
     return Util::Win32::GetPrivateProfileStringA(section, key, defaultValue, buffer, size,

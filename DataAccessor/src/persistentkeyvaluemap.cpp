@@ -9,6 +9,8 @@
 namespace Norvane {
 namespace Utilities {
 
+using namespace Util::Win32;
+
 IPersistentKeyValueMap::~IPersistentKeyValueMap() = default;
 
 Util::TString ApplicationDataDirectory::Resolve(const char* fileName) {

@@ -13,6 +13,8 @@ namespace Norvane {
 namespace Utilities {
 namespace ProfileLog {
 
+using namespace Util::Win32;
+
 namespace {
 
 // -1: not read yet; 0 off; 1 on.

@@ -13,6 +13,9 @@ namespace Norvane {
 namespace Utilities {
 namespace Platform {
 
+// The Win32 names (global on Windows, in Util::Win32 elsewhere).
+using namespace Util::Win32;
+
 extern const char* const kLineBreak;
 
 // Identifies one version of a file on disk: a replaced or rewritten file gets a new stamp.

@@ -13,6 +13,8 @@ namespace Norvane {
 namespace Utilities {
 namespace Platform {
 
+using namespace Util::Win32;
+
 const char* const kLineBreak = "\n";
 
 namespace {

@@ -39,8 +39,9 @@ ZtDecimal64 WithSign(ZtDecimal64 number, bool negative) {
 }
 } // namespace
 
-BalType::BalType(BalTypeIntialValue initial) : m_mbits(0x20), m_number{} {
-    static const unsigned char kFlags[] = {0x20, 0x21, 0x30, 0x31};
+BalType::BalType(BalTypeIntialValue initial) : m_mbits(kZeroDollarBits), m_number{} {
+    static const unsigned char kFlags[] = {kZeroDollarBits, kZeroQtyBits, kEmptyDollarBits,
+                                           kEmptyQtyBits};
     if (initial >= ZeroDollarValue && initial <= EmptyQtyValue) {
         m_mbits = kFlags[initial];
     }

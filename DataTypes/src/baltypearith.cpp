@@ -45,7 +45,7 @@ inline void AddInto(BalType* result, const BalType* a, const BalType* b, bool ne
     const unsigned char mb = b->_GetMbits();
     if ((ma | mb) & (kError | kEmpty)) {
         if ((ma | mb) & kError) {
-            SetErrorResult(result, 0x24);
+            SetErrorResult(result, BalType::kErrorDollarBits);
             return;
         }
         const bool aEmpty = (ma & kEmpty) != 0;
@@ -135,14 +135,14 @@ BalType Multiply(const BalType& a, const BalType& b, bool qtyResult) {
     const unsigned char mb = b._GetMbits();
     BalType result;
     if ((ma | mb) & kError) {
-        SetErrorResult(&result, 0x24);
+        SetErrorResult(&result, BalType::kErrorDollarBits);
         return result;
     }
     if (a.IsZero() || b.IsZero() || ((ma | mb) & kEmpty)) {
         if (ma & mb & kEmpty) {
-            result._SetMbits(qtyResult ? 0x31 : 0x30);
+            result._SetMbits(qtyResult ? BalType::kEmptyQtyBits : BalType::kEmptyDollarBits);
         } else {
-            result._SetMbits(0x20);
+            result._SetMbits(BalType::kZeroDollarBits);
         }
         return result;
     }
@@ -179,11 +179,11 @@ BalType BalDivide(const BalType& a, const BalType& b) {
     const unsigned char mb = b._GetMbits();
     BalType result;
     if (((ma | mb) & kError) || b.IsZero()) {
-        SetErrorResult(&result, 0x25);
+        SetErrorResult(&result, BalType::kErrorQtyBits);
         return result;
     }
     if (a.IsZero()) {
-        result._SetMbits(0x21);
+        result._SetMbits(BalType::kZeroQtyBits);
         return result;
     }
     ZtDecimal64 x = a.GetDecimalAmount();

@@ -4,12 +4,12 @@
 #include <cstring>
 
 namespace {
-constexpr unsigned char kLegacyQty = 0x01;
-constexpr unsigned char kLegacySign = 0x02;
-constexpr unsigned char kLegacyError = 0x04;
-constexpr unsigned char kLegacyPercent = 0x08;
-constexpr unsigned char kLegacyEmpty = 0x10;
-constexpr unsigned char kLegacyFractionBit16 = 0x80;
+constexpr unsigned char kLegacyQty = BalTypeLegacy_6Bytes::kQtyBit;
+constexpr unsigned char kLegacySign = BalTypeLegacy_6Bytes::kSignBit;
+constexpr unsigned char kLegacyError = BalTypeLegacy_6Bytes::kErrorBit;
+constexpr unsigned char kLegacyPercent = BalTypeLegacy_6Bytes::kPercentBit;
+constexpr unsigned char kLegacyEmpty = BalTypeLegacy_6Bytes::kEmptyBit;
+constexpr unsigned char kLegacyFractionBit16 = BalTypeLegacy_6Bytes::kFractionBit16;
 
 constexpr uint32_t kLegacyQtyMaxWhole = 9999999; // 6-byte entry 3
 } // namespace
@@ -112,7 +112,7 @@ void BalTypeLegacy_6Bytes::SetFromLegacy6Bytes(BalType& target) const {
         value.SetError();
     }
     if (IsEmpty()) {
-        value._SetMbits(kind == BalKindQty ? 0x31 : 0x30);
+        value._SetMbits(kind == BalKindQty ? BalType::kEmptyQtyBits : BalType::kEmptyDollarBits);
     }
     if (IsNegative()) {
         value.SetNegative();

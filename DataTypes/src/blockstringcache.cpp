@@ -9,16 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "Util/Compiler.h"
+
 // The successful paths are laid out straight; failures and new blocks go out of line.
-#if defined(_MSC_VER)
-#define BSC_NOINLINE __declspec(noinline)
-#define BSC_COLD __declspec(noinline)
-#define BSC_UNLIKELY(x) (x)
-#else
-#define BSC_NOINLINE __attribute__((noinline))
-#define BSC_COLD __attribute__((cold, noinline))
-#define BSC_UNLIKELY(x) __builtin_expect(!!(x), 0)
-#endif
 
 namespace Util {
 
@@ -65,8 +58,8 @@ inline char* CopyString(char* to, const char* from, std::size_t n) {
 
 // A failed call's status, reported under the calling function's name; kept out of line so that
 // the successful paths carry none of its set-up.
-BSC_COLD void ReportFailure(const char* function, const char* signature, long line,
-                            const Status& status) {
+ZT_COLD void ReportFailure(const char* function, const char* signature, long line,
+                           const Status& status) {
     LocalOps valuesLocalOps(ZT_SOURCE_FILE, line, function, signature);
     (void)valuesLocalOps.ReportStatus(status, line);
 }
@@ -183,13 +176,13 @@ inline char* BlockStringCache::GetFromFreeList(std::size_t byteLength) {
 
 inline char* BlockStringCache::GetBytesFromCache(std::size_t byteLength) {
     char* pBytes = GetFromFreeList(byteLength);
-    if (!BSC_UNLIKELY(pBytes == nullptr)) {
+    if (!ZT_UNLIKELY(pBytes == nullptr)) {
         return pBytes;
     }
     return GetBytesFromNewBlock(byteLength);
 }
 
-BSC_NOINLINE char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
+ZT_NOINLINE char* BlockStringCache::GetBytesFromNewBlock(std::size_t byteLength) {
     // A block that is still whole serves as well as a new one, so a request that fits no block
     // allocates at most one block, however often it is repeated.
     char* pBytes = nullptr;
@@ -237,7 +230,7 @@ const char* BlockStringCache::AddString(const char* s) {
     // else goes through GetBytesFromCache out of line.
     std::size_t size = 0;
     char* chunk = m_pFreeList->TakeSmallFit(byteLength + kHeaderSize, kSplitSlack, size);
-    if (BSC_UNLIKELY(chunk == nullptr)) {
+    if (ZT_UNLIKELY(chunk == nullptr)) {
         return AddStringSlow(s, byteLength);
     }
     WriteHeader(chunk, size);
@@ -245,7 +238,7 @@ const char* BlockStringCache::AddString(const char* s) {
     return CopyString(chunk + kHeaderSize, s, byteLength);
 }
 
-BSC_NOINLINE const char* BlockStringCache::AddStringSlow(const char* s, std::size_t byteLength) {
+ZT_NOINLINE const char* BlockStringCache::AddStringSlow(const char* s, std::size_t byteLength) {
     char* pAlloc = GetBytesFromCache(byteLength);
     // Reported as AddString's own verification.
     if (!GetOps().Verify(pAlloc != NULL, "pAlloc != NULL", ZT_SOURCE_FILE, __LINE__, "AddString",

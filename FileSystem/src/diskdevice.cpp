@@ -8,6 +8,8 @@
 
 namespace FileSystem {
 
+using namespace Util::Win32;
+
 DiskDevice::DiskDevice(char driveLetter)
     : m_driveLetter(static_cast<char>(std::toupper(static_cast<unsigned char>(driveLetter)))) {
     m_valid = std::isalpha(static_cast<unsigned char>(driveLetter)) &&

@@ -15,6 +15,8 @@
 
 namespace FileSystem {
 
+using namespace Util::Win32;
+
 namespace {
 
 constexpr DWORD kUniversalNameBuffer = 520;

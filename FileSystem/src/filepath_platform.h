@@ -8,6 +8,9 @@
 namespace FileSystem {
 namespace PathPlatform {
 
+// The Win32 names (global on Windows, in Util::Win32 elsewhere).
+using namespace Util::Win32;
+
 typedef NET_API_STATUS (*ShareInfoFn)(LPWSTR, LPWSTR, DWORD, LPBYTE*);
 typedef NET_API_STATUS (*BufferFreeFn)(LPVOID);
 typedef DWORD (*PathNameFn)(LPCSTR, LPSTR, DWORD);

@@ -10,6 +10,8 @@
 namespace FileSystem {
 namespace PathPlatform {
 
+using namespace Util::Win32;
+
 LoadResult LoadShareFunctions(Util::DynamicLibrary&, ShareInfoFn& getInfo,
                               BufferFreeFn& bufferFree) {
     getInfo = &Util::Win32::NetShareGetInfo;

@@ -2,6 +2,7 @@
 
 #include "Util/Ops.h"
 #include "Util/OpsMacros.h"
+#include "Util/Win32Types.h"
 
 #include <new>
 #include <thread>

@@ -67,7 +67,7 @@ void AttributeSet::SetAttribute(const char* name, int value) {
 void AttributeSet::SetAttribute(const char* name, long value) {
     Store(name, value);
 }
-void AttributeSet::SetAttribute(const char* name, __int64 value) {
+void AttributeSet::SetAttribute(const char* name, long long value) {
     Store(name, value);
 }
 void AttributeSet::SetAttribute(const char* name, double value) {
@@ -125,9 +125,9 @@ bool AttributeSet::GetStringAttribute(const char* name, TString& value) const {
     } else if (type == typeid(short)) {
         std::snprintf(text, sizeof text, "%d", static_cast<int>(boost::any_cast<short>(*found)));
         value = text;
-    } else if (type == typeid(__int64)) {
+    } else if (type == typeid(long long)) {
         std::snprintf(text, sizeof text, "%lld",
-                      static_cast<long long>(boost::any_cast<__int64>(*found)));
+                      static_cast<long long>(boost::any_cast<long long>(*found)));
         value = text;
     } else if (type == typeid(double)) {
         std::snprintf(text, sizeof text, "%g", boost::any_cast<double>(*found));
@@ -151,7 +151,7 @@ bool AttributeSet::GetIntAttribute(const char* name, int& value) const {
 bool AttributeSet::GetLongAttribute(const char* name, long& value) const {
     return GetTyped(name, value);
 }
-bool AttributeSet::GetInt64Attribute(const char* name, __int64& value) const {
+bool AttributeSet::GetInt64Attribute(const char* name, long long& value) const {
     return GetTyped(name, value);
 }
 bool AttributeSet::GetDoubleAttribute(const char* name, double& value) const {

@@ -1,5 +1,7 @@
 #include "Util/Status.h"
 
+#include "Util/Compiler.h"
+
 #include <cstdlib>
 
 namespace Util {
@@ -89,7 +91,7 @@ void Status::SetAttribute(const char* name, long value) {
     CopyIfShared();
     m_pImpl->SetAttribute(name, value);
 }
-void Status::SetAttribute(const char* name, __int64 value) {
+void Status::SetAttribute(const char* name, long long value) {
     CopyIfShared();
     m_pImpl->SetAttribute(name, value);
 }
@@ -149,9 +151,7 @@ struct PredefinedStatuses {
         "Primary key for row in parent table is referenced by foreign key in some other table."};
 };
 
-#if defined(__GNUC__)
-__attribute__((init_priority(200)))
-#endif
+ZT_INIT_PRIORITY(200)
 const PredefinedStatuses g_predefined;
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "Util/Variant.h"
+#include "expression/src/noderules.h"
 
 namespace Util {
 namespace {
@@ -23,10 +24,6 @@ const unsigned char kOperationTable[5][5] = {
     {kNoResult, kNoResult, kNoResult, kNoResult, kNoResult},
 };
 
-enum CompareKind { kLess, kLessEqual, kGreater, kGreaterEqual, kEqual, kNotEqual };
-
-const double kCompareTolerance = 0.0001;
-
 std::int32_t SaturateToLong(double value) {
     if (std::isnan(value))
         return 0;
@@ -37,10 +34,7 @@ std::int32_t SaturateToLong(double value) {
     return static_cast<std::int32_t>(value); // truncates toward zero
 }
 
-// 32-bit two's complement wrap-around, without signed overflow.
-std::int32_t Wrap(std::int64_t value) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(value)));
-}
+using NodeRules::Wrap;
 
 bool IsNumberCharacter(char c) {
     return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' ||
@@ -457,9 +451,11 @@ NodeVariantData NodeVariantData::operator+(const NodeVariantData& right) const {
         return right;
     switch (KindOf(*this, right)) {
     case kLongOp:
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) + right.GetLong()));
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kAddition, GetLong(), right.GetLong()));
     case kDoubleOp:
-        return NodeVariantData(GetDouble() + right.GetDouble());
+        return NodeVariantData(
+            NodeRules::DoubleArithmetic(NodeRules::kAddition, GetDouble(), right.GetDouble()));
     case kTextOp: {
         NodeVariantData result;
         const char* leftText = GetText();
@@ -479,9 +475,11 @@ NodeVariantData NodeVariantData::operator-(const NodeVariantData& right) const {
         return right;
     switch (KindOf(*this, right)) {
     case kLongOp:
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) - right.GetLong()));
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kSubtraction, GetLong(), right.GetLong()));
     case kDoubleOp:
-        return NodeVariantData(GetDouble() - right.GetDouble());
+        return NodeVariantData(
+            NodeRules::DoubleArithmetic(NodeRules::kSubtraction, GetDouble(), right.GetDouble()));
     case kTextOp:
         return TextOperation(right, " SUBTRACT ");
     default:
@@ -496,9 +494,11 @@ NodeVariantData NodeVariantData::operator*(const NodeVariantData& right) const {
         return right;
     switch (KindOf(*this, right)) {
     case kLongOp:
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) * right.GetLong()));
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kMultiplication, GetLong(), right.GetLong()));
     case kDoubleOp:
-        return NodeVariantData(GetDouble() * right.GetDouble());
+        return NodeVariantData(NodeRules::DoubleArithmetic(NodeRules::kMultiplication, GetDouble(),
+                                                           right.GetDouble()));
     case kTextOp:
         return TextOperation(right, " MULTIPLY ");
     default:
@@ -512,19 +512,12 @@ NodeVariantData NodeVariantData::operator/(const NodeVariantData& right) const {
     if (right.HasError())
         return right;
     switch (KindOf(*this, right)) {
-    case kLongOp: {
-        const std::int32_t divisor = right.GetLong();
-        if (divisor == 0)
-            return NodeVariantData(static_cast<int>(2147483647));
-        // INT32_MIN / -1 does not fit: computed in 64 bits, it wraps like the other operations.
-        return NodeVariantData(Wrap(static_cast<std::int64_t>(GetLong()) / divisor));
-    }
-    case kDoubleOp: {
-        const double divisor = right.GetDouble();
-        if (divisor == 0.0)
-            return NodeVariantData(DBL_MAX);
-        return NodeVariantData(GetDouble() / divisor);
-    }
+    case kLongOp:
+        return NodeVariantData(
+            NodeRules::LongArithmetic(NodeRules::kDivision, GetLong(), right.GetLong()));
+    case kDoubleOp:
+        return NodeVariantData(
+            NodeRules::DoubleArithmetic(NodeRules::kDivision, GetDouble(), right.GetDouble()));
     case kTextOp:
         return TextOperation(right, " DIVIDE ");
     default:
@@ -538,7 +531,7 @@ NodeVariantData NodeVariantData::operator-() const {
     switch (GetActualStoredDataType()) {
     case NVDT_NONE:
     case NVDT_LONG:
-        return NodeVariantData(Wrap(-static_cast<std::int64_t>(GetLong())));
+        return NodeVariantData(NodeRules::NegateLong(GetLong()));
     case NVDT_DOUBLE:
         return NodeVariantData(-GetDouble());
     case NVDT_STRING: {
@@ -558,16 +551,10 @@ int NodeVariantData::compare(const NodeVariantData& other, ParseNodeStatus& stat
     }
     status = PNS_SUCCESS;
     switch (KindOf(*this, other)) {
-    case kLongOp: {
-        const std::int64_t difference = static_cast<std::int64_t>(GetLong()) - other.GetLong();
-        return difference < INT32_MIN   ? INT32_MIN
-               : difference > INT32_MAX ? INT32_MAX
-                                        : static_cast<int>(difference);
-    }
-    case kDoubleOp: {
-        const double difference = GetDouble() - other.GetDouble();
-        return difference < -kCompareTolerance ? -1 : difference > kCompareTolerance ? 1 : 0;
-    }
+    case kLongOp:
+        return NodeRules::LongOrder(GetLong(), other.GetLong());
+    case kDoubleOp:
+        return NodeRules::DoubleOrder(GetDouble(), other.GetDouble());
     case kTextOp: {
         const char* leftText = GetText();
         if (&other == this)
@@ -586,47 +573,26 @@ NodeVariantData NodeVariantData::Compared(const NodeVariantData& right, int kind
         return right;
     ParseNodeStatus status = PNS_SUCCESS;
     const int order = compare(right, status);
-    bool truth = false;
-    switch (kind) {
-    case kLess:
-        truth = order < 0;
-        break;
-    case kLessEqual:
-        truth = order <= 0;
-        break;
-    case kGreater:
-        truth = order > 0;
-        break;
-    case kGreaterEqual:
-        truth = order >= 0;
-        break;
-    case kEqual:
-        truth = order == 0;
-        break;
-    default:
-        truth = order != 0;
-        break;
-    }
-    return NodeVariantData(truth ? 1 : 0);
+    return NodeVariantData(NodeRules::Holds(static_cast<CompareType>(kind), order) ? 1 : 0);
 }
 
 NodeVariantData NodeVariantData::operator<(const NodeVariantData& right) const {
-    return Compared(right, kLess);
+    return Compared(right, CT_LESS);
 }
 NodeVariantData NodeVariantData::operator<=(const NodeVariantData& right) const {
-    return Compared(right, kLessEqual);
+    return Compared(right, CT_LESS_EQUAL);
 }
 NodeVariantData NodeVariantData::operator>(const NodeVariantData& right) const {
-    return Compared(right, kGreater);
+    return Compared(right, CT_GREATER);
 }
 NodeVariantData NodeVariantData::operator>=(const NodeVariantData& right) const {
-    return Compared(right, kGreaterEqual);
+    return Compared(right, CT_GREATER_EQUAL);
 }
 NodeVariantData NodeVariantData::operator==(const NodeVariantData& right) const {
-    return Compared(right, kEqual);
+    return Compared(right, CT_EQUAL);
 }
 NodeVariantData NodeVariantData::operator!=(const NodeVariantData& right) const {
-    return Compared(right, kNotEqual);
+    return Compared(right, CT_NOT_EQUAL);
 }
 
 NodeVariantData NodeVariantData::operator&(const NodeVariantData& right) const {
@@ -636,7 +602,7 @@ NodeVariantData NodeVariantData::operator&(const NodeVariantData& right) const {
         return right;
     if (KindOf(*this, right) == kTextOp)
         return TextOperation(right, " AND ");
-    return NodeVariantData((GetLong() != 0 && right.GetLong() != 0) ? 1 : 0);
+    return NodeVariantData(NodeRules::IsTrue(*this) && NodeRules::IsTrue(right) ? 1 : 0);
 }
 
 NodeVariantData NodeVariantData::operator||(const NodeVariantData& right) const {
@@ -646,7 +612,7 @@ NodeVariantData NodeVariantData::operator||(const NodeVariantData& right) const 
         return right;
     if (KindOf(*this, right) == kTextOp)
         return TextOperation(right, " OR ");
-    return NodeVariantData((GetLong() != 0 || right.GetLong() != 0) ? 1 : 0);
+    return NodeVariantData(NodeRules::IsTrue(*this) || NodeRules::IsTrue(right) ? 1 : 0);
 }
 
 } // namespace Util

@@ -111,7 +111,7 @@ public:
                       const SymbolLookupValues& symbols, const char* label);
 
     // Evaluate: recursion for shallow trees, handing deep or unusual subtrees to EvaluateDeep,
-    // which walks with explicit stacks only.
+    // which walks with explicit stacks only (a DeepWalk).
     static NodeVariantData& EvaluateDeep(ExpressParseNode* root, Kind kind,
                                          const SymbolLookupValues& symbols);
     static const NodeVariantData& EvaluateShallow(ExpressParseNode* node, Kind kind, bool noTable,
@@ -119,9 +119,28 @@ public:
     static inline const NodeVariantData& EvaluateChild(ExpressParseNode* child, bool noTable,
                                                        const SymbolLookupValues& symbols,
                                                        int depth);
+    class DeepWalk;
+
+    // The steps of evaluation, one per kind of node, shared by both walks. Each stores its
+    // result in the node's own value.
+    // Add, Sub, Mult, Divide and the comparisons, once both operands are known.
+    static void FinishBinary(Kind kind, BinNode* node, const NodeVariantData& left,
+                             const NodeVariantData& right);
+    // And, Or after the left operand: true when that settles the value (the right operand is
+    // then never evaluated), false when the right operand is needed (then FinishLogical).
+    static bool SettleLogical(Kind kind, ExpressParseNode* node, const NodeVariantData& left);
+    static void FinishLogical(ExpressParseNode* node, const NodeVariantData& right);
+    // UMinus, Not.
+    static void FinishUnary(Kind kind, ExpressParseNode* node, const NodeVariantData& operand);
+    // Assign, once the right side is known.
+    static void FinishAssign(BinNode* node, const NodeVariantData& value,
+                             const SymbolLookupValues& symbols);
+    // A function call, once its arguments are known.
+    static void FinishCall(FunNode* node, const NodeVariantData* const* arguments,
+                           std::size_t count, const SymbolLookupValues& symbols);
+    static void LookUpVariable(VarNode* node, bool noTable, const SymbolLookupValues& symbols);
     static void ApplyBinary(Kind kind, ExpressParseNode* node, const NodeVariantData& left,
                             const NodeVariantData& right);
-    static void LookUpVariable(VarNode* node, bool noTable, const SymbolLookupValues& symbols);
     // Lets go of a used inner operand's long text (see parsetreeeval.cpp).
     static bool HoldsReleasableText(ExpressParseNode* child);
     static void ReleaseUsedText(ExpressParseNode* child);

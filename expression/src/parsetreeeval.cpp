@@ -3,6 +3,7 @@
 #include <cstring>
 #include <unordered_set>
 
+#include "expression/src/noderules.h"
 #include "expression/src/parsetreeengine.h"
 
 namespace Util {
@@ -29,90 +30,40 @@ bool IsNoTable(const SymbolLookupValues& symbols) {
 
 namespace {
 
-inline double AsDouble(const NodeVariantData& value, std::int32_t asLong, double asDouble) {
+// A plain number as a double, without the out-of-line conversion.
+inline double NumberAsDouble(const NodeVariantData& value, std::int32_t asLong, double asDouble) {
     return value.GetDataType() == NVDT_DOUBLE ? asDouble : static_cast<double>(asLong);
 }
+
+static_assert(ParseTreeEngine::kSub - ParseTreeEngine::kAdd == NodeRules::kSubtraction &&
+                  ParseTreeEngine::kMult - ParseTreeEngine::kAdd == NodeRules::kMultiplication &&
+                  ParseTreeEngine::kDivide - ParseTreeEngine::kAdd == NodeRules::kDivision,
+              "the arithmetic kinds follow the order of NodeRules::Arithmetic");
 
 } // namespace
 
 // The operators of NodeVariantData for two error-free longs or doubles, without building
-// temporaries: the same table (any double makes it double arithmetic), the same limits for
-// division by zero, 32-bit wrap-around for longs and the 0.0001 tolerance for comparisons.
+// temporaries: any double makes it double arithmetic, as in the operators' table.
 inline void ParseTreeEngine::CombineNumbers(Kind kind, ExpressParseNode* node,
                                             const NodeVariantData& left,
                                             const NodeVariantData& right) {
     NodeVariantData& value = node->m_value;
     value.m_status = PNS_SUCCESS;
-    int order = 0;
-    if (left.m_type == NVDT_DOUBLE || right.m_type == NVDT_DOUBLE) {
-        const double l = AsDouble(left, left.m_long, left.m_double);
-        const double r = AsDouble(right, right.m_long, right.m_double);
-        switch (kind) {
-        case kAdd:
-            value.SetDoubleValue(l + r);
-            return;
-        case kSub:
-            value.SetDoubleValue(l - r);
-            return;
-        case kMult:
-            value.SetDoubleValue(l * r);
-            return;
-        case kDivide:
-            value.SetDoubleValue(r == 0.0 ? DBL_MAX : l / r);
-            return;
-        default: {
-            const double difference = l - r;
-            order = difference < -0.0001 ? -1 : difference > 0.0001 ? 1 : 0;
-            break;
-        }
-        }
-    } else {
-        const std::int64_t l = left.m_long;
-        const std::int64_t r = right.m_long;
-        auto wrap = [](std::int64_t v) {
-            return static_cast<std::int32_t>(
-                static_cast<std::uint32_t>(static_cast<std::uint64_t>(v)));
-        };
-        switch (kind) {
-        case kAdd:
-            value.SetLongValue(wrap(l + r));
-            return;
-        case kSub:
-            value.SetLongValue(wrap(l - r));
-            return;
-        case kMult:
-            value.SetLongValue(wrap(l * r));
-            return;
-        case kDivide:
-            value.SetLongValue(r == 0 ? 2147483647 : wrap(l / r));
-            return;
-        default:
-            order = l < r ? -1 : l > r ? 1 : 0;
-            break;
-        }
+    const bool doubles = left.m_type == NVDT_DOUBLE || right.m_type == NVDT_DOUBLE;
+    const double l = doubles ? NumberAsDouble(left, left.m_long, left.m_double) : 0.0;
+    const double r = doubles ? NumberAsDouble(right, right.m_long, right.m_double) : 0.0;
+    if (kind != kCompare) {
+        const auto operation = static_cast<NodeRules::Arithmetic>(kind - kAdd);
+        if (doubles)
+            value.SetDoubleValue(NodeRules::DoubleArithmetic(operation, l, r));
+        else
+            value.SetLongValue(NodeRules::LongArithmetic(operation, left.m_long, right.m_long));
+        return;
     }
-    bool truth = false;
-    switch (static_cast<CompNode*>(node)->GetCompareType()) {
-    case CT_LESS:
-        truth = order < 0;
-        break;
-    case CT_LESS_EQUAL:
-        truth = order <= 0;
-        break;
-    case CT_GREATER:
-        truth = order > 0;
-        break;
-    case CT_GREATER_EQUAL:
-        truth = order >= 0;
-        break;
-    case CT_EQUAL:
-        truth = order == 0;
-        break;
-    default:
-        truth = order != 0;
-        break;
-    }
-    value.SetLongValue(truth ? 1 : 0);
+    const int order =
+        doubles ? NodeRules::DoubleOrder(l, r) : NodeRules::LongOrder(left.m_long, right.m_long);
+    value.SetLongValue(NodeRules::Holds(static_cast<CompNode*>(node)->GetCompareType(), order) ? 1
+                                                                                               : 0);
 }
 
 void ParseTreeEngine::LookUpVariable(VarNode* node, bool noTable,
@@ -158,26 +109,7 @@ void ParseTreeEngine::ApplyBinary(Kind kind, ExpressParseNode* node, const NodeV
         value = left / right;
         break;
     default:
-        switch (static_cast<CompNode*>(node)->GetCompareType()) {
-        case CT_LESS:
-            value = left < right;
-            break;
-        case CT_LESS_EQUAL:
-            value = left <= right;
-            break;
-        case CT_GREATER:
-            value = left > right;
-            break;
-        case CT_GREATER_EQUAL:
-            value = left >= right;
-            break;
-        case CT_EQUAL:
-            value = left == right;
-            break;
-        default:
-            value = left != right;
-            break;
-        }
+        value = left.Compared(right, static_cast<CompNode*>(node)->GetCompareType());
         break;
     }
 }
@@ -207,6 +139,91 @@ void ParseTreeEngine::ReleaseUsedText(ExpressParseNode* child) {
     value.m_length = 0;
 }
 
+// ---- the steps -------------------------------------------------------------------------------
+
+void ParseTreeEngine::FinishBinary(Kind kind, BinNode* node, const NodeVariantData& left,
+                                   const NodeVariantData& right) {
+    // A text built by the left operand grows in place instead of being copied again.
+    if (kind != kAdd || !HoldsReleasableText(node->m_pLeft) ||
+        !node->m_value.AppendTaking(node->m_pLeft->m_value, right))
+        ApplyBinary(kind, node, left, right);
+    ReleaseUsedText(node->m_pLeft);
+    ReleaseUsedText(node->m_pRight);
+}
+
+bool ParseTreeEngine::SettleLogical(Kind kind, ExpressParseNode* node,
+                                    const NodeVariantData& left) {
+    NodeVariantData& value = node->m_value;
+    if (left.HasError()) {
+        value = left;
+        return true;
+    }
+    const bool leftIsTrue = NodeRules::IsTrue(left);
+    if (!NodeRules::Settles(kind == kAnd, leftIsTrue))
+        return false;
+    value = leftIsTrue ? 1 : 0;
+    return true;
+}
+
+void ParseTreeEngine::FinishLogical(ExpressParseNode* node, const NodeVariantData& right) {
+    if (right.HasError())
+        node->m_value = right;
+    else
+        node->m_value = NodeRules::IsTrue(right) ? 1 : 0;
+}
+
+void ParseTreeEngine::FinishUnary(Kind kind, ExpressParseNode* node,
+                                  const NodeVariantData& operand) {
+    NodeVariantData& value = node->m_value;
+    if (kind == kUMinus)
+        value = -operand;
+    else if (operand.HasError())
+        value = operand;
+    else
+        value = NodeRules::IsTrue(operand) ? 0 : 1;
+}
+
+void ParseTreeEngine::FinishAssign(BinNode* node, const NodeVariantData& value,
+                                   const SymbolLookupValues& symbols) {
+    node->m_value = value;
+    // An error value is not stored in the table.
+    ExpressParseNode* target = node->m_pLeft;
+    if (node->m_value.HasError() || target == nullptr || !target->IsLvalue())
+        return;
+    target->Assign(node->m_value, symbols);
+    // The variable now holds the value, which is what a printed tree should show.
+    if (ClassifyExact(target) == kVar)
+        target->m_value = node->m_value;
+}
+
+void ParseTreeEngine::FinishCall(FunNode* node, const NodeVariantData* const* arguments,
+                                 std::size_t count, const SymbolLookupValues& symbols) {
+    NodeVariantData& value = node->m_value;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (arguments[i]->HasError()) {
+            value = *arguments[i];
+            return;
+        }
+    }
+    std::vector<Variant> variants;
+    variants.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        variants.push_back(static_cast<Variant>(*arguments[i]));
+    // A table that says no without saying why reports an undefined symbol.
+    ParseNodeStatus status = PNS_UNDEFINED_SYMBOL;
+    Variant result;
+    const char* name = node->m_name.c_str();
+    if (symbols.GetFunctionValue(name, status, result, variants)) {
+        value = result;
+    } else {
+        value.SetText(status == PNS_WRONG_PARAMETER_COUNT ? "Invalid number of parameters "
+                                                          : "Undefined Symbol ",
+                      name, " ", status);
+    }
+}
+
+// ---- the recursive walk ----------------------------------------------------------------------
+
 namespace {
 
 // How deep the recursive evaluation may go before it hands a subtree to the explicit-stack walk:
@@ -222,14 +239,13 @@ const NodeVariantData& ParseTreeEngine::EvaluateShallow(ExpressParseNode* node, 
                                                         bool noTable,
                                                         const SymbolLookupValues& symbols,
                                                         int depth) {
-    NodeVariantData& value = node->m_value;
     switch (kind) {
     case kNum:
     case kString:
-        return value;
+        break;
     case kVar:
         LookUpVariable(static_cast<VarNode*>(node), noTable, symbols);
-        return value;
+        break;
     case kAdd:
     case kSub:
     case kMult:
@@ -238,49 +254,26 @@ const NodeVariantData& ParseTreeEngine::EvaluateShallow(ExpressParseNode* node, 
         auto* bin = static_cast<BinNode*>(node);
         const NodeVariantData& left = EvaluateChild(bin->m_pLeft, noTable, symbols, depth);
         const NodeVariantData& right = EvaluateChild(bin->m_pRight, noTable, symbols, depth);
-        // A text built by the left operand grows in place instead of being copied again.
-        if (kind != kAdd || !HoldsReleasableText(bin->m_pLeft) ||
-            !value.AppendTaking(bin->m_pLeft->m_value, right))
-            ApplyBinary(kind, node, left, right);
-        ReleaseUsedText(bin->m_pLeft);
-        ReleaseUsedText(bin->m_pRight);
-        return value;
+        FinishBinary(kind, bin, left, right);
+        break;
     }
     case kAnd:
     case kOr: {
         auto* bin = static_cast<BinNode*>(node);
-        const NodeVariantData& left = EvaluateChild(bin->m_pLeft, noTable, symbols, depth);
-        if (left.HasError()) {
-            value = left;
-            return value;
-        }
-        const bool decided = kind == kAnd ? left.GetLong() == 0 : left.GetLong() != 0;
-        if (decided) {
-            value = kind == kAnd ? 0 : 1; // the right side is never looked at
-            return value;
-        }
-        const NodeVariantData& right = EvaluateChild(bin->m_pRight, noTable, symbols, depth);
-        if (right.HasError())
-            value = right;
-        else
-            value = right.GetLong() != 0 ? 1 : 0;
-        return value;
+        if (!SettleLogical(kind, bin, EvaluateChild(bin->m_pLeft, noTable, symbols, depth)))
+            FinishLogical(bin, EvaluateChild(bin->m_pRight, noTable, symbols, depth));
+        break;
     }
     case kUMinus:
-    case kNot: {
-        const NodeVariantData& operand =
-            EvaluateChild(static_cast<UnaryNode*>(node)->m_pChild, noTable, symbols, depth);
-        if (kind == kUMinus)
-            value = -operand;
-        else if (operand.HasError())
-            value = operand;
-        else
-            value = operand.GetLong() == 0 ? 1 : 0;
-        return value;
-    }
+    case kNot:
+        FinishUnary(
+            kind, node,
+            EvaluateChild(static_cast<UnaryNode*>(node)->m_pChild, noTable, symbols, depth));
+        break;
     default:
         return EvaluateDeep(node, kind, symbols);
     }
+    return node->m_value;
 }
 
 inline const NodeVariantData& ParseTreeEngine::EvaluateChild(ExpressParseNode* child, bool noTable,
@@ -310,244 +303,225 @@ NodeVariantData& ParseTreeEngine::Evaluate(ExpressParseNode* root, Kind rootKind
     return root->m_value;
 }
 
-// One pass over the tree in evaluation order. Frames say which node is being worked on and how
-// far; values holds the results of finished children (pointers into the nodes' own values).
-NodeVariantData& ParseTreeEngine::EvaluateDeep(ExpressParseNode* root, Kind rootKind,
-                                               const SymbolLookupValues& symbols) {
-    if (rootKind == kForeign)
-        return root->m_value;
+// ---- the explicit-stack walk -----------------------------------------------------------------
 
-    const bool noTable = IsNoTable(symbols);
-    SmallStack<Frame, 24> frames;
-    SmallStack<const NodeVariantData*, 24> values;
-    SmallStack<const ExpressParseNode*, 8> activeAliases; // alias trees being evaluated
-    // Alias trees already evaluated in this walk: an alias used again takes the value its tree
-    // still holds. Without this, aliases that each use the previous one twice would take time
-    // exponential in their number.
-    std::unordered_set<const ExpressParseNode*> evaluatedAliases;
+// One pass over a tree in evaluation order. Frames say which inner node is being worked on and
+// how far; values holds the results of finished children (pointers into the nodes' own values).
+// Each step works on the frame on top: it either starts a child (and returns, so the child's
+// frame runs next) or finishes its node.
+class ParseTreeEngine::DeepWalk {
+public:
+    explicit DeepWalk(const SymbolLookupValues& symbols)
+        : m_symbols(symbols), m_noTable(IsNoTable(symbols)) {}
 
-    // Leaves are worked out on the spot; only inner nodes get a frame.
-    // Returns whether the child's value is already on the value stack (false: it has a frame).
-    auto start = [&](ExpressParseNode* child) {
+    void Run(ExpressParseNode* root, Kind rootKind) {
+        m_frames.push_back({root, rootKind, 0});
+        while (!m_frames.empty()) {
+            Frame& frame = m_frames.back();
+            switch (frame.kind) {
+            case kAdd:
+            case kSub:
+            case kMult:
+            case kDivide:
+            case kCompare:
+                StepBinary(frame);
+                break;
+            case kAnd:
+            case kOr:
+                StepLogical(frame);
+                break;
+            case kAssign:
+                StepAssign(frame);
+                break;
+            case kUMinus:
+            case kNot:
+                StepUnary(frame);
+                break;
+            case kFun:
+                StepCall(frame);
+                break;
+            case kAlias:
+                StepAlias(frame);
+                break;
+            case kVar:
+                LookUpVariable(static_cast<VarNode*>(frame.node), m_noTable, m_symbols);
+                Finish(frame.node);
+                break;
+            default: // numbers and texts hold their values already
+                Finish(frame.node);
+                break;
+            }
+        }
+    }
+
+private:
+    // Leaves are worked out on the spot; only inner nodes get a frame. Returns whether the
+    // child's value is already on the value stack (false: it has a frame, which runs next; the
+    // caller's frame reference may then be stale and must not be used).
+    bool Start(ExpressParseNode* child) {
         if (child == nullptr) {
-            values.push_back(&EmptyValue());
+            m_values.push_back(&EmptyValue());
             return true;
         }
         const Kind kind = ClassifyExact(child);
         if (kind == kNum || kind == kString) {
-            values.push_back(&child->m_value);
+            m_values.push_back(&child->m_value);
         } else if (kind == kVar) {
-            LookUpVariable(static_cast<VarNode*>(child), noTable, symbols);
-            values.push_back(&child->m_value);
+            LookUpVariable(static_cast<VarNode*>(child), m_noTable, m_symbols);
+            m_values.push_back(&child->m_value);
         } else if (kind == kForeign) {
-            values.push_back(&child->Calc(symbols));
+            m_values.push_back(&child->Calc(m_symbols));
         } else {
-            frames.push_back({child, kind, 0});
+            m_frames.push_back({child, kind, 0});
             return false;
         }
         return true;
-    };
-    auto finish = [&](ExpressParseNode* node) {
-        frames.pop_back();
-        values.push_back(&node->m_value);
-    };
-
-    frames.push_back({root, rootKind, 0});
-    while (!frames.empty()) {
-        Frame& frame = frames.back();
-        ExpressParseNode* node = frame.node;
-        NodeVariantData& value = node->m_value;
-        switch (frame.kind) {
-        case kNum:
-        case kString:
-            finish(node);
-            break;
-
-        case kVar:
-            LookUpVariable(static_cast<VarNode*>(node), noTable, symbols);
-            finish(node);
-            break;
-
-        case kAdd:
-        case kSub:
-        case kMult:
-        case kDivide:
-        case kCompare: {
-            auto* bin = static_cast<BinNode*>(node);
-            // A side that is a leaf is ready at once; only an inner node suspends this one.
-            if (frame.state == 0) {
-                frame.state = 1;
-                if (!start(bin->m_pLeft))
-                    break;
-            }
-            if (frame.state == 1) {
-                frame.state = 2;
-                if (!start(bin->m_pRight))
-                    break;
-            }
-            const NodeVariantData& right = *values.back();
-            values.pop_back();
-            const NodeVariantData& left = *values.back();
-            values.pop_back();
-            if (frame.kind != kAdd || !HoldsReleasableText(bin->m_pLeft) ||
-                !value.AppendTaking(bin->m_pLeft->m_value, right))
-                ApplyBinary(frame.kind, node, left, right);
-            ReleaseUsedText(bin->m_pLeft);
-            ReleaseUsedText(bin->m_pRight);
-            finish(node);
-            break;
-        }
-
-        case kAnd:
-        case kOr: {
-            auto* bin = static_cast<BinNode*>(node);
-            if (frame.state == 0) {
-                frame.state = 1;
-                start(bin->m_pLeft);
-                break;
-            }
-            const NodeVariantData& operand = *values.back();
-            values.pop_back();
-            if (operand.HasError()) {
-                value = operand;
-            } else if (frame.state == 1) {
-                const bool decided =
-                    frame.kind == kAnd ? operand.GetLong() == 0 : operand.GetLong() != 0;
-                if (!decided) {
-                    frame.state = 2;
-                    start(bin->m_pRight);
-                    break;
-                }
-                // The right side is never looked at.
-                value = frame.kind == kAnd ? 0 : 1;
-            } else {
-                value = operand.GetLong() != 0 ? 1 : 0;
-            }
-            finish(node);
-            break;
-        }
-
-        case kAssign: {
-            auto* bin = static_cast<BinNode*>(node);
-            if (frame.state == 0) {
-                frame.state = 1;
-                start(bin->m_pRight);
-                break;
-            }
-            value = *values.back();
-            values.pop_back();
-            // An error value is not stored in the table.
-            if (!value.HasError() && bin->m_pLeft != nullptr && bin->m_pLeft->IsLvalue()) {
-                bin->m_pLeft->Assign(value, symbols);
-                // The variable now holds the value, which is what a printed tree should show.
-                if (ClassifyExact(bin->m_pLeft) == kVar)
-                    bin->m_pLeft->m_value = value;
-            }
-            finish(node);
-            break;
-        }
-
-        case kUMinus:
-        case kNot: {
-            if (frame.state == 0) {
-                frame.state = 1;
-                start(static_cast<UnaryNode*>(node)->m_pChild);
-                break;
-            }
-            const NodeVariantData& operand = *values.back();
-            values.pop_back();
-            if (frame.kind == kUMinus)
-                value = -operand;
-            else if (operand.HasError())
-                value = operand;
-            else
-                value = operand.GetLong() == 0 ? 1 : 0;
-            finish(node);
-            break;
-        }
-
-        case kFun: {
-            auto* fun = static_cast<FunNode*>(node);
-            const char* name = fun->m_name.c_str();
-            if (frame.state == 0 && noTable) {
-                value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
-                finish(node);
-                break;
-            }
-            const std::size_t count = fun->m_children.size();
-            if (frame.state < count) {
-                const std::size_t index = frame.state++;
-                start(fun->m_children[index]);
-                break;
-            }
-            const std::size_t first = values.size() - count;
-            const NodeVariantData* failed = nullptr;
-            for (std::size_t i = first; i < values.size() && failed == nullptr; ++i) {
-                if (values[i]->HasError())
-                    failed = values[i];
-            }
-            if (failed != nullptr) {
-                value = *failed;
-            } else {
-                std::vector<Variant> arguments;
-                arguments.reserve(count);
-                for (std::size_t i = first; i < values.size(); ++i)
-                    arguments.push_back(static_cast<Variant>(*values[i]));
-                // A table that says no without saying why reports an undefined symbol.
-                ParseNodeStatus status = PNS_UNDEFINED_SYMBOL;
-                Variant result;
-                if (symbols.GetFunctionValue(name, status, result, arguments)) {
-                    value = result;
-                } else {
-                    value.SetText(status == PNS_WRONG_PARAMETER_COUNT
-                                      ? "Invalid number of parameters "
-                                      : "Undefined Symbol ",
-                                  name, " ", status);
-                }
-            }
-            values.resize_down(first);
-            finish(node);
-            break;
-        }
-
-        case kAlias: {
-            const char* name = static_cast<AliasNode*>(node)->m_name.c_str();
-            if (frame.state == 1) {
-                value = *values.back();
-                values.pop_back();
-                evaluatedAliases.insert(activeAliases.back());
-                activeAliases.pop_back();
-                finish(node);
-                break;
-            }
-            ExpressParseNode* tree = nullptr;
-            if (noTable) {
-                value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
-            } else if (!symbols.GetAliasValue(name, &tree) || tree == nullptr) {
-                value.SetText("Undefined Alias ", name, " ", PNS_UNDEFINED_ALIAS);
-            } else if (evaluatedAliases.count(tree) != 0) {
-                value = tree->m_value;
-            } else {
-                bool recursive = false;
-                for (std::size_t i = 0; i < activeAliases.size() && !recursive; ++i)
-                    recursive = activeAliases[i] == tree;
-                if (!recursive) {
-                    frame.state = 1;
-                    activeAliases.push_back(tree);
-                    start(tree);
-                    break;
-                }
-                value.SetText("Recursive Alias ", name, " ", PNS_RECURSIVE_ALIAS);
-            }
-            finish(node);
-            break;
-        }
-
-        default:
-            finish(node);
-            break;
-        }
     }
+
+    void Finish(ExpressParseNode* node) {
+        m_frames.pop_back();
+        m_values.push_back(&node->m_value);
+    }
+
+    const NodeVariantData& Pop() {
+        const NodeVariantData* value = m_values.back();
+        m_values.pop_back();
+        return *value;
+    }
+
+    void StepBinary(Frame& frame) {
+        auto* bin = static_cast<BinNode*>(frame.node);
+        // A side that is a leaf is ready at once; only an inner node suspends this one.
+        if (frame.state == 0) {
+            frame.state = 1;
+            if (!Start(bin->m_pLeft))
+                return;
+        }
+        if (frame.state == 1) {
+            frame.state = 2;
+            if (!Start(bin->m_pRight))
+                return;
+        }
+        const NodeVariantData& right = Pop();
+        const NodeVariantData& left = Pop();
+        FinishBinary(frame.kind, bin, left, right);
+        Finish(bin);
+    }
+
+    void StepLogical(Frame& frame) {
+        auto* bin = static_cast<BinNode*>(frame.node);
+        if (frame.state == 0) {
+            frame.state = 1;
+            Start(bin->m_pLeft);
+            return;
+        }
+        const NodeVariantData& operand = Pop();
+        if (frame.state == 1) {
+            if (!SettleLogical(frame.kind, bin, operand)) {
+                frame.state = 2;
+                Start(bin->m_pRight);
+                return;
+            }
+        } else {
+            FinishLogical(bin, operand);
+        }
+        Finish(bin);
+    }
+
+    void StepAssign(Frame& frame) {
+        auto* bin = static_cast<BinNode*>(frame.node);
+        if (frame.state == 0) {
+            frame.state = 1;
+            Start(bin->m_pRight);
+            return;
+        }
+        FinishAssign(bin, Pop(), m_symbols);
+        Finish(bin);
+    }
+
+    void StepUnary(Frame& frame) {
+        auto* unary = static_cast<UnaryNode*>(frame.node);
+        if (frame.state == 0) {
+            frame.state = 1;
+            Start(unary->m_pChild);
+            return;
+        }
+        FinishUnary(frame.kind, unary, Pop());
+        Finish(unary);
+    }
+
+    void StepCall(Frame& frame) {
+        auto* fun = static_cast<FunNode*>(frame.node);
+        if (frame.state == 0 && m_noTable) {
+            fun->m_value.SetText("Undefined Symbol table ", fun->m_name.c_str(), " ",
+                                 PNS_NO_SYMBOL_TABLE);
+            Finish(fun);
+            return;
+        }
+        const std::size_t count = fun->m_children.size();
+        if (frame.state < count) {
+            const std::size_t index = frame.state++;
+            Start(fun->m_children[index]);
+            return;
+        }
+        const std::size_t first = m_values.size() - count;
+        FinishCall(fun, count != 0 ? &m_values[first] : nullptr, count, m_symbols);
+        m_values.resize_down(first);
+        Finish(fun);
+    }
+
+    void StepAlias(Frame& frame) {
+        auto* alias = static_cast<AliasNode*>(frame.node);
+        NodeVariantData& value = alias->m_value;
+        if (frame.state == 1) {
+            value = Pop();
+            m_evaluatedAliases.insert(m_activeAliases.back());
+            m_activeAliases.pop_back();
+            Finish(alias);
+            return;
+        }
+        const char* name = alias->m_name.c_str();
+        ExpressParseNode* tree = nullptr;
+        if (m_noTable) {
+            value.SetText("Undefined Symbol table ", name, " ", PNS_NO_SYMBOL_TABLE);
+        } else if (!m_symbols.GetAliasValue(name, &tree) || tree == nullptr) {
+            value.SetText("Undefined Alias ", name, " ", PNS_UNDEFINED_ALIAS);
+        } else if (m_evaluatedAliases.count(tree) != 0) {
+            // Used again: the tree still holds its value. Without this, aliases that each use
+            // the previous one twice would take time exponential in their number.
+            value = tree->m_value;
+        } else if (IsActive(tree)) {
+            value.SetText("Recursive Alias ", name, " ", PNS_RECURSIVE_ALIAS);
+        } else {
+            frame.state = 1;
+            m_activeAliases.push_back(tree);
+            Start(tree);
+            return;
+        }
+        Finish(alias);
+    }
+
+    bool IsActive(const ExpressParseNode* tree) {
+        for (std::size_t i = 0; i < m_activeAliases.size(); ++i) {
+            if (m_activeAliases[i] == tree)
+                return true;
+        }
+        return false;
+    }
+
+    const SymbolLookupValues& m_symbols;
+    const bool m_noTable;
+    SmallStack<Frame, 24> m_frames;
+    SmallStack<const NodeVariantData*, 24> m_values;
+    SmallStack<const ExpressParseNode*, 8> m_activeAliases; // alias trees being evaluated
+    std::unordered_set<const ExpressParseNode*> m_evaluatedAliases;
+};
+
+NodeVariantData& ParseTreeEngine::EvaluateDeep(ExpressParseNode* root, Kind rootKind,
+                                               const SymbolLookupValues& symbols) {
+    if (rootKind == kForeign)
+        return root->m_value;
+    DeepWalk(symbols).Run(root, rootKind);
     return root->m_value;
 }
 

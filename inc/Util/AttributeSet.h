@@ -1,8 +1,8 @@
 // Util::AttributeSet: a set of named values held as boost::any.
 //
-// Typed setters store text (as Util::TString), short, int, long, __int64, double, bool or any
-// boost::any value under a name; names are case-sensitive and a set replaces any earlier value
-// of that name. Typed getters return false when the name is absent and throw
+// Typed setters store text (as Util::TString), short, int, long, long long (__int64), double, bool
+// or any boost::any value under a name; names are case-sensitive and a set replaces any earlier
+// value of that name. Typed getters return false when the name is absent and throw
 // boost::bad_any_cast when the value has another type. GetStringAttribute is the one lenient
 // reader: it gives integers as decimal text, a bool as "true" or "false" and a double as %g,
 // and throws boost::bad_any_cast only for values of other types.
@@ -16,7 +16,6 @@
 
 #include "Util/Export.h"
 #include "Util/TString.h"
-#include "Util/Win32Types.h"
 
 #include <boost/any.hpp>
 
@@ -42,7 +41,7 @@ public:
     void SetAttribute(const char* name, short value);
     void SetAttribute(const char* name, int value);
     void SetAttribute(const char* name, long value);
-    void SetAttribute(const char* name, __int64 value);
+    void SetAttribute(const char* name, long long value);
     void SetAttribute(const char* name, double value);
     void SetAttribute(const char* name, bool value);
     void SetAttribute(const char* name, const boost::any& value);
@@ -53,7 +52,7 @@ public:
     bool GetShortAttribute(const char* name, short& value) const;
     bool GetIntAttribute(const char* name, int& value) const;
     bool GetLongAttribute(const char* name, long& value) const;
-    bool GetInt64Attribute(const char* name, __int64& value) const;
+    bool GetInt64Attribute(const char* name, long long& value) const;
     bool GetDoubleAttribute(const char* name, double& value) const;
     bool GetBoolAttribute(const char* name, bool& value) const;
     bool GetAnyAttribute(const char* name, boost::any& value) const;

@@ -86,10 +86,17 @@ public:
     static constexpr unsigned char kPercentBit = 0x08;
     static constexpr unsigned char kEmptyBit = 0x10;
     static constexpr unsigned char kUninitBit = 0x20;
+    // Whole flag bytes: the initial values, and the results of operations on error values.
+    static constexpr unsigned char kZeroDollarBits = kUninitBit;
+    static constexpr unsigned char kZeroQtyBits = kUninitBit | kQtyBit;
+    static constexpr unsigned char kEmptyDollarBits = kUninitBit | kEmptyBit;
+    static constexpr unsigned char kEmptyQtyBits = kUninitBit | kEmptyBit | kQtyBit;
+    static constexpr unsigned char kErrorDollarBits = kUninitBit | kErrorBit;
+    static constexpr unsigned char kErrorQtyBits = kUninitBit | kErrorBit | kQtyBit;
 
-    BalType() : m_mbits(0x20), m_number{} {}
-    // 0x20 zero dollar, 0x21 zero quantity, 0x30 empty dollar, 0x31 empty quantity; any other
-    // value leaves the flag byte as it was (unset bytes read as zero dollar).
+    BalType() : m_mbits(kZeroDollarBits), m_number{} {}
+    // Zero dollar, zero quantity, empty dollar or empty quantity; any other value leaves the
+    // flag byte as it was (unset bytes read as zero dollar).
     BalType(BalTypeIntialValue initial);
     BalType(const BalType&) = default;
     BalType& operator=(const BalType&) = default;
@@ -166,10 +173,10 @@ public:
                                           bool round);
     void SetError();
     void SetErrorDBReadError();
-    void SetZeroDollar() { m_mbits = 0x20; }
-    void SetZeroQty() { m_mbits = 0x21; }
-    void SetEmptyDollar() { m_mbits = 0x30; }
-    void SetEmptyQty() { m_mbits = 0x31; }
+    void SetZeroDollar() { m_mbits = kZeroDollarBits; }
+    void SetZeroQty() { m_mbits = kZeroQtyBits; }
+    void SetEmptyDollar() { m_mbits = kEmptyDollarBits; }
+    void SetEmptyQty() { m_mbits = kEmptyQtyBits; }
     void ClearEmpty() { m_mbits &= static_cast<unsigned char>(~kEmptyBit); }
     void LargePositiveDollar();
     void LargeNegativeDollar();
@@ -211,6 +218,14 @@ static_assert(alignof(BalType) == 1, "BalType has no alignment padding");
 // bytes 3-5 (24-bit, little-endian).
 class ZTUTIL_API BalTypeLegacy_6Bytes {
 public:
+    // Bits of byte 0.
+    static constexpr unsigned char kQtyBit = 0x01;
+    static constexpr unsigned char kSignBit = 0x02;
+    static constexpr unsigned char kErrorBit = 0x04;
+    static constexpr unsigned char kPercentBit = 0x08;
+    static constexpr unsigned char kEmptyBit = 0x10;
+    static constexpr unsigned char kFractionBit16 = 0x80;
+
     BalTypeLegacy_6Bytes() : m_bytes{} {}
     explicit BalTypeLegacy_6Bytes(const BalType& value);
     BalTypeLegacy_6Bytes& operator=(const BalType& value);
@@ -219,12 +234,12 @@ public:
     void Decompose(uint32_t& whole, uint32_t& fraction, BalKind& kind) const;
     void GetQty(uint32_t& whole, uint32_t& fraction) const;
     bool IsZero() const;
-    bool IsDollar() const { return (m_bytes[0] & 0x01) == 0; }
-    bool IsEmpty() const { return (m_bytes[0] & 0x10) != 0; }
-    bool IsError() const { return (m_bytes[0] & 0x04) != 0; }
-    bool IsPercent() const { return (m_bytes[0] & 0x08) != 0; }
-    bool IsNegative() const { return (m_bytes[0] & 0x02) != 0; }
-    BalKind GetKind() const { return (m_bytes[0] & 0x01) ? BalKindQty : BalKindDollar; }
+    bool IsDollar() const { return (m_bytes[0] & kQtyBit) == 0; }
+    bool IsEmpty() const { return (m_bytes[0] & kEmptyBit) != 0; }
+    bool IsError() const { return (m_bytes[0] & kErrorBit) != 0; }
+    bool IsPercent() const { return (m_bytes[0] & kPercentBit) != 0; }
+    bool IsNegative() const { return (m_bytes[0] & kSignBit) != 0; }
+    BalKind GetKind() const { return (m_bytes[0] & kQtyBit) ? BalKindQty : BalKindDollar; }
 
     void SetFromLegacy6Bytes(BalType& target) const;
 

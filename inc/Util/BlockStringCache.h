@@ -8,6 +8,7 @@
 // A cache is used by one thread at a time.
 #pragma once
 
+#include "Util/Compiler.h"
 #include "Util/Export.h"
 #include "Util/Status.h"
 #include "Util/TString.h"
@@ -20,10 +21,6 @@
 #include <new>
 #include <stdexcept>
 #include <vector>
-
-#if defined(_MSC_VER)
-#include <intrin.h>
-#endif
 
 namespace Util {
 
@@ -88,15 +85,7 @@ private:
     bool InsertSlow(char* start, std::size_t size);
     bool Grow(Ring& ring);
     Taken TakeLarge(std::size_t needed, std::size_t slack);
-    static unsigned LowestBit(std::uint64_t bits) {
-#if defined(_MSC_VER)
-        unsigned long index;
-        _BitScanForward64(&index, bits);
-        return static_cast<unsigned>(index);
-#else
-        return static_cast<unsigned>(__builtin_ctzll(bits));
-#endif
-    }
+    static unsigned LowestBit(std::uint64_t bits) { return CountTrailingZeros64(bits); }
 
     Ring m_rings[kSmallSizes];
     std::uint64_t m_bits[kSmallSizes / 64];

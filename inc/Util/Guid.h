@@ -12,16 +12,6 @@
 #include "Util/TString.h"
 #include "Util/Win32Types.h"
 
-#ifndef GUID_DEFINED
-#define GUID_DEFINED
-typedef struct _GUID {
-    DWORD Data1;
-    WORD Data2;
-    WORD Data3;
-    BYTE Data4[8];
-} GUID;
-#endif
-
 namespace Util {
 
 class ZTUTIL_API Guid {

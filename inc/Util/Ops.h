@@ -19,15 +19,12 @@
 #include <cstdint>
 #include <memory>
 
+#include "Util/Compiler.h"
 #include "Util/OpsEventMask.h"
 #include "Util/OpsSourceContext.h"
 #include "Util/Status.h"
 
-#if defined(__GNUC__) || defined(__clang__)
-#define ZT_OPS_PRINTF(fmtIndex, firstArg) __attribute__((format(printf, fmtIndex, firstArg)))
-#else
-#define ZT_OPS_PRINTF(fmtIndex, firstArg)
-#endif
+#define ZT_OPS_PRINTF(fmtIndex, firstArg) ZT_PRINTF_FORMAT(fmtIndex, firstArg)
 
 namespace Util {
 

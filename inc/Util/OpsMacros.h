@@ -54,12 +54,6 @@
 #define ZT_SOURCE_FILE __FILE__
 #endif
 
-#if defined(_MSC_VER)
-#define ZT_FUNC_SIG __FUNCSIG__
-#else
-#define ZT_FUNC_SIG __PRETTY_FUNCTION__
-#endif
-
 #define ZT_FUNC_OPS() ::Util::LocalOps ztOps(ZT_SOURCE_FILE, __LINE__, __func__, ZT_FUNC_SIG)
 
 #define ZT_STATUS(code, ...)                                                                       \

@@ -112,7 +112,7 @@ public:
     void SetAttribute(const char* name, short value);
     void SetAttribute(const char* name, int value);
     void SetAttribute(const char* name, long value);
-    void SetAttribute(const char* name, __int64 value);
+    void SetAttribute(const char* name, long long value);
     void SetAttribute(const char* name, double value);
     void SetAttribute(const char* name, bool value);
     void SetAttribute(const char* name, const boost::any& value);

@@ -6,6 +6,7 @@
 // Most interfaces take const char* and return or fill a TString. One thread at a time.
 #pragma once
 
+#include "Util/Compiler.h"
 #include "Util/Export.h"
 
 #include <cstdarg>
@@ -99,11 +100,7 @@ public:
     }
 
     // Replaces the contents with the printf-style expansion of format.
-    void Format(const char* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 2, 3)))
-#endif
-    {
+    void Format(const char* format, ...) ZT_PRINTF_FORMAT(2, 3) {
         va_list args;
         va_start(args, format);
         FormatV(format, args);
@@ -121,42 +118,18 @@ public:
         return c < 0 ? -1 : (c > 0 ? 1 : 0);
     }
 
-    friend bool operator==(const TString& a, const TString& b) {
-        return a.m_str == b.m_str;
-    }
-    friend bool operator!=(const TString& a, const TString& b) {
-        return a.m_str != b.m_str;
-    }
-    friend bool operator<(const TString& a, const TString& b) {
-        return a.m_str < b.m_str;
-    }
-    friend bool operator>(const TString& a, const TString& b) {
-        return a.m_str > b.m_str;
-    }
-    friend bool operator<=(const TString& a, const TString& b) {
-        return a.m_str <= b.m_str;
-    }
-    friend bool operator>=(const TString& a, const TString& b) {
-        return a.m_str >= b.m_str;
-    }
-    friend bool operator==(const TString& a, const T* b) {
-        return a.Compare(b) == 0;
-    }
-    friend bool operator!=(const TString& a, const T* b) {
-        return a.Compare(b) != 0;
-    }
-    friend bool operator==(const T* a, const TString& b) {
-        return b.Compare(a) == 0;
-    }
-    friend bool operator!=(const T* a, const TString& b) {
-        return b.Compare(a) != 0;
-    }
-    friend TString operator+(TString a, const TString& b) {
-        return a.Append(b);
-    }
-    friend TString operator+(TString a, const T* b) {
-        return a.Append(b);
-    }
+    friend bool operator==(const TString& a, const TString& b) { return a.m_str == b.m_str; }
+    friend bool operator!=(const TString& a, const TString& b) { return a.m_str != b.m_str; }
+    friend bool operator<(const TString& a, const TString& b) { return a.m_str < b.m_str; }
+    friend bool operator>(const TString& a, const TString& b) { return a.m_str > b.m_str; }
+    friend bool operator<=(const TString& a, const TString& b) { return a.m_str <= b.m_str; }
+    friend bool operator>=(const TString& a, const TString& b) { return a.m_str >= b.m_str; }
+    friend bool operator==(const TString& a, const T* b) { return a.Compare(b) == 0; }
+    friend bool operator!=(const TString& a, const T* b) { return a.Compare(b) != 0; }
+    friend bool operator==(const T* a, const TString& b) { return b.Compare(a) == 0; }
+    friend bool operator!=(const T* a, const TString& b) { return b.Compare(a) != 0; }
+    friend TString operator+(TString a, const TString& b) { return a.Append(b); }
+    friend TString operator+(TString a, const T* b) { return a.Append(b); }
 
 private:
     string_type m_str;

@@ -43,6 +43,9 @@
 
 #include <cstdint>
 
+namespace Util {
+namespace Win32 {
+
 typedef void* HWND;
 typedef std::uintptr_t ULONG_PTR;
 typedef std::int64_t LONG64;
@@ -89,141 +92,313 @@ typedef struct _OVERLAPPED {
 } OVERLAPPED, *LPOVERLAPPED;
 
 // Access rights.
-#define GENERIC_READ 0x80000000u
-#define GENERIC_WRITE 0x40000000u
-#define GENERIC_EXECUTE 0x20000000u
-#define GENERIC_ALL 0x10000000u
-#define FILE_READ_DATA 0x0001u
-#define FILE_WRITE_DATA 0x0002u
-#define FILE_APPEND_DATA 0x0004u
-#define FILE_READ_EA 0x0008u
-#define FILE_WRITE_EA 0x0010u
-#define FILE_EXECUTE 0x0020u
-#define FILE_READ_ATTRIBUTES 0x0080u
-#define FILE_WRITE_ATTRIBUTES 0x0100u
-#define DELETE 0x00010000u
-#define READ_CONTROL 0x00020000u
-#define SYNCHRONIZE 0x00100000u
-#define FILE_GENERIC_READ 0x00120089u
-#define FILE_GENERIC_WRITE 0x00120116u
+#ifndef GENERIC_READ
+constexpr auto GENERIC_READ = 0x80000000u;
+#endif
+#ifndef GENERIC_WRITE
+constexpr auto GENERIC_WRITE = 0x40000000u;
+#endif
+#ifndef GENERIC_EXECUTE
+constexpr auto GENERIC_EXECUTE = 0x20000000u;
+#endif
+#ifndef GENERIC_ALL
+constexpr auto GENERIC_ALL = 0x10000000u;
+#endif
+#ifndef FILE_READ_DATA
+constexpr auto FILE_READ_DATA = 0x0001u;
+#endif
+#ifndef FILE_WRITE_DATA
+constexpr auto FILE_WRITE_DATA = 0x0002u;
+#endif
+#ifndef FILE_APPEND_DATA
+constexpr auto FILE_APPEND_DATA = 0x0004u;
+#endif
+#ifndef FILE_READ_EA
+constexpr auto FILE_READ_EA = 0x0008u;
+#endif
+#ifndef FILE_WRITE_EA
+constexpr auto FILE_WRITE_EA = 0x0010u;
+#endif
+#ifndef FILE_EXECUTE
+constexpr auto FILE_EXECUTE = 0x0020u;
+#endif
+#ifndef FILE_READ_ATTRIBUTES
+constexpr auto FILE_READ_ATTRIBUTES = 0x0080u;
+#endif
+#ifndef FILE_WRITE_ATTRIBUTES
+constexpr auto FILE_WRITE_ATTRIBUTES = 0x0100u;
+#endif
+#ifndef DELETE
+constexpr auto DELETE = 0x00010000u;
+#endif
+#ifndef READ_CONTROL
+constexpr auto READ_CONTROL = 0x00020000u;
+#endif
+#ifndef SYNCHRONIZE
+constexpr auto SYNCHRONIZE = 0x00100000u;
+#endif
+#ifndef FILE_GENERIC_READ
+constexpr auto FILE_GENERIC_READ = 0x00120089u;
+#endif
+#ifndef FILE_GENERIC_WRITE
+constexpr auto FILE_GENERIC_WRITE = 0x00120116u;
+#endif
 
 // Share modes.
-#define FILE_SHARE_READ 0x00000001u
-#define FILE_SHARE_WRITE 0x00000002u
-#define FILE_SHARE_DELETE 0x00000004u
+#ifndef FILE_SHARE_READ
+constexpr auto FILE_SHARE_READ = 0x00000001u;
+#endif
+#ifndef FILE_SHARE_WRITE
+constexpr auto FILE_SHARE_WRITE = 0x00000002u;
+#endif
+#ifndef FILE_SHARE_DELETE
+constexpr auto FILE_SHARE_DELETE = 0x00000004u;
+#endif
 
 // Creation dispositions.
-#define CREATE_NEW 1u
-#define CREATE_ALWAYS 2u
-#define OPEN_EXISTING 3u
-#define OPEN_ALWAYS 4u
-#define TRUNCATE_EXISTING 5u
+#ifndef CREATE_NEW
+constexpr auto CREATE_NEW = 1u;
+#endif
+#ifndef CREATE_ALWAYS
+constexpr auto CREATE_ALWAYS = 2u;
+#endif
+#ifndef OPEN_EXISTING
+constexpr auto OPEN_EXISTING = 3u;
+#endif
+#ifndef OPEN_ALWAYS
+constexpr auto OPEN_ALWAYS = 4u;
+#endif
+#ifndef TRUNCATE_EXISTING
+constexpr auto TRUNCATE_EXISTING = 5u;
+#endif
 
 // File attributes beyond those of Util/Win32Types.h.
-#define FILE_ATTRIBUTE_DEVICE 0x00000040
-#define FILE_ATTRIBUTE_TEMPORARY 0x00000100
-#define FILE_ATTRIBUTE_SPARSE_FILE 0x00000200
-#define FILE_ATTRIBUTE_REPARSE_POINT 0x00000400
-#define FILE_ATTRIBUTE_COMPRESSED 0x00000800
-#define FILE_ATTRIBUTE_OFFLINE 0x00001000
-#define FILE_ATTRIBUTE_NOT_CONTENT_INDEXED 0x00002000
-#define FILE_ATTRIBUTE_ENCRYPTED 0x00004000
+#ifndef FILE_ATTRIBUTE_DEVICE
+constexpr auto FILE_ATTRIBUTE_DEVICE = 0x00000040;
+#endif
+#ifndef FILE_ATTRIBUTE_TEMPORARY
+constexpr auto FILE_ATTRIBUTE_TEMPORARY = 0x00000100;
+#endif
+#ifndef FILE_ATTRIBUTE_SPARSE_FILE
+constexpr auto FILE_ATTRIBUTE_SPARSE_FILE = 0x00000200;
+#endif
+#ifndef FILE_ATTRIBUTE_REPARSE_POINT
+constexpr auto FILE_ATTRIBUTE_REPARSE_POINT = 0x00000400;
+#endif
+#ifndef FILE_ATTRIBUTE_COMPRESSED
+constexpr auto FILE_ATTRIBUTE_COMPRESSED = 0x00000800;
+#endif
+#ifndef FILE_ATTRIBUTE_OFFLINE
+constexpr auto FILE_ATTRIBUTE_OFFLINE = 0x00001000;
+#endif
+#ifndef FILE_ATTRIBUTE_NOT_CONTENT_INDEXED
+constexpr auto FILE_ATTRIBUTE_NOT_CONTENT_INDEXED = 0x00002000;
+#endif
+#ifndef FILE_ATTRIBUTE_ENCRYPTED
+constexpr auto FILE_ATTRIBUTE_ENCRYPTED = 0x00004000;
+#endif
 
 // Flags of CreateFileA.
-#define FILE_FLAG_WRITE_THROUGH 0x80000000u
-#define FILE_FLAG_OVERLAPPED 0x40000000u
-#define FILE_FLAG_NO_BUFFERING 0x20000000u
-#define FILE_FLAG_RANDOM_ACCESS 0x10000000u
-#define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000u
-#define FILE_FLAG_DELETE_ON_CLOSE 0x04000000u
-#define FILE_FLAG_BACKUP_SEMANTICS 0x02000000u
-#define FILE_FLAG_POSIX_SEMANTICS 0x01000000u
+#ifndef FILE_FLAG_WRITE_THROUGH
+constexpr auto FILE_FLAG_WRITE_THROUGH = 0x80000000u;
+#endif
+#ifndef FILE_FLAG_OVERLAPPED
+constexpr auto FILE_FLAG_OVERLAPPED = 0x40000000u;
+#endif
+#ifndef FILE_FLAG_NO_BUFFERING
+constexpr auto FILE_FLAG_NO_BUFFERING = 0x20000000u;
+#endif
+#ifndef FILE_FLAG_RANDOM_ACCESS
+constexpr auto FILE_FLAG_RANDOM_ACCESS = 0x10000000u;
+#endif
+#ifndef FILE_FLAG_SEQUENTIAL_SCAN
+constexpr auto FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000u;
+#endif
+#ifndef FILE_FLAG_DELETE_ON_CLOSE
+constexpr auto FILE_FLAG_DELETE_ON_CLOSE = 0x04000000u;
+#endif
+#ifndef FILE_FLAG_BACKUP_SEMANTICS
+constexpr auto FILE_FLAG_BACKUP_SEMANTICS = 0x02000000u;
+#endif
+#ifndef FILE_FLAG_POSIX_SEMANTICS
+constexpr auto FILE_FLAG_POSIX_SEMANTICS = 0x01000000u;
+#endif
 
 // File pointer moves.
-#define FILE_BEGIN 0u
-#define FILE_CURRENT 1u
-#define FILE_END 2u
+#ifndef FILE_BEGIN
+constexpr auto FILE_BEGIN = 0u;
+#endif
+#ifndef FILE_CURRENT
+constexpr auto FILE_CURRENT = 1u;
+#endif
+#ifndef FILE_END
+constexpr auto FILE_END = 2u;
+#endif
 
 // Change notification filters.
-#define FILE_NOTIFY_CHANGE_FILE_NAME 0x00000001u
-#define FILE_NOTIFY_CHANGE_DIR_NAME 0x00000002u
-#define FILE_NOTIFY_CHANGE_ATTRIBUTES 0x00000004u
-#define FILE_NOTIFY_CHANGE_SIZE 0x00000008u
-#define FILE_NOTIFY_CHANGE_LAST_WRITE 0x00000010u
-#define FILE_NOTIFY_CHANGE_LAST_ACCESS 0x00000020u
-#define FILE_NOTIFY_CHANGE_CREATION 0x00000040u
-#define FILE_NOTIFY_CHANGE_SECURITY 0x00000100u
+#ifndef FILE_NOTIFY_CHANGE_FILE_NAME
+constexpr auto FILE_NOTIFY_CHANGE_FILE_NAME = 0x00000001u;
+#endif
+#ifndef FILE_NOTIFY_CHANGE_DIR_NAME
+constexpr auto FILE_NOTIFY_CHANGE_DIR_NAME = 0x00000002u;
+#endif
+#ifndef FILE_NOTIFY_CHANGE_ATTRIBUTES
+constexpr auto FILE_NOTIFY_CHANGE_ATTRIBUTES = 0x00000004u;
+#endif
+#ifndef FILE_NOTIFY_CHANGE_SIZE
+constexpr auto FILE_NOTIFY_CHANGE_SIZE = 0x00000008u;
+#endif
+#ifndef FILE_NOTIFY_CHANGE_LAST_WRITE
+constexpr auto FILE_NOTIFY_CHANGE_LAST_WRITE = 0x00000010u;
+#endif
+#ifndef FILE_NOTIFY_CHANGE_LAST_ACCESS
+constexpr auto FILE_NOTIFY_CHANGE_LAST_ACCESS = 0x00000020u;
+#endif
+#ifndef FILE_NOTIFY_CHANGE_CREATION
+constexpr auto FILE_NOTIFY_CHANGE_CREATION = 0x00000040u;
+#endif
+#ifndef FILE_NOTIFY_CHANGE_SECURITY
+constexpr auto FILE_NOTIFY_CHANGE_SECURITY = 0x00000100u;
+#endif
 
 // Waiting.
-#define INFINITE 0xFFFFFFFFu
-#define WAIT_OBJECT_0 0x00000000u
-#define WAIT_TIMEOUT 0x00000102u
-#define WAIT_FAILED 0xFFFFFFFFu
+#ifndef INFINITE
+constexpr auto INFINITE = 0xFFFFFFFFu;
+#endif
+#ifndef WAIT_OBJECT_0
+constexpr auto WAIT_OBJECT_0 = 0x00000000u;
+#endif
+#ifndef WAIT_TIMEOUT
+constexpr auto WAIT_TIMEOUT = 0x00000102u;
+#endif
+#ifndef WAIT_FAILED
+constexpr auto WAIT_FAILED = 0xFFFFFFFFu;
+#endif
 
 // Named pipes.
-#define PIPE_ACCESS_INBOUND 0x00000001u
-#define PIPE_ACCESS_OUTBOUND 0x00000002u
-#define PIPE_ACCESS_DUPLEX 0x00000003u
-#define PIPE_TYPE_BYTE 0x00000000u
-#define PIPE_TYPE_MESSAGE 0x00000004u
-#define PIPE_READMODE_BYTE 0x00000000u
-#define PIPE_READMODE_MESSAGE 0x00000002u
-#define PIPE_WAIT 0x00000000u
-#define PIPE_NOWAIT 0x00000001u
-#define PIPE_UNLIMITED_INSTANCES 255u
-#define NMPWAIT_USE_DEFAULT_WAIT 0x00000000u
+#ifndef PIPE_ACCESS_INBOUND
+constexpr auto PIPE_ACCESS_INBOUND = 0x00000001u;
+#endif
+#ifndef PIPE_ACCESS_OUTBOUND
+constexpr auto PIPE_ACCESS_OUTBOUND = 0x00000002u;
+#endif
+#ifndef PIPE_ACCESS_DUPLEX
+constexpr auto PIPE_ACCESS_DUPLEX = 0x00000003u;
+#endif
+#ifndef PIPE_TYPE_BYTE
+constexpr auto PIPE_TYPE_BYTE = 0x00000000u;
+#endif
+#ifndef PIPE_TYPE_MESSAGE
+constexpr auto PIPE_TYPE_MESSAGE = 0x00000004u;
+#endif
+#ifndef PIPE_READMODE_BYTE
+constexpr auto PIPE_READMODE_BYTE = 0x00000000u;
+#endif
+#ifndef PIPE_READMODE_MESSAGE
+constexpr auto PIPE_READMODE_MESSAGE = 0x00000002u;
+#endif
+#ifndef PIPE_WAIT
+constexpr auto PIPE_WAIT = 0x00000000u;
+#endif
+#ifndef PIPE_NOWAIT
+constexpr auto PIPE_NOWAIT = 0x00000001u;
+#endif
+#ifndef PIPE_UNLIMITED_INSTANCES
+constexpr auto PIPE_UNLIMITED_INSTANCES = 255u;
+#endif
+#ifndef NMPWAIT_USE_DEFAULT_WAIT
+constexpr auto NMPWAIT_USE_DEFAULT_WAIT = 0x00000000u;
+#endif
 
 // ShowWindow commands for ShellExecuteA.
-#define SW_HIDE 0
-#define SW_SHOWNORMAL 1
-#define SW_NORMAL 1
-#define SW_SHOWMINIMIZED 2
-#define SW_SHOWMAXIMIZED 3
-#define SW_MAXIMIZE 3
-#define SW_SHOWNOACTIVATE 4
-#define SW_SHOW 5
-#define SW_MINIMIZE 6
-#define SW_SHOWMINNOACTIVE 7
-#define SW_SHOWNA 8
-#define SW_RESTORE 9
-#define SW_SHOWDEFAULT 10
+#ifndef SW_HIDE
+constexpr auto SW_HIDE = 0;
+#endif
+#ifndef SW_SHOWNORMAL
+constexpr auto SW_SHOWNORMAL = 1;
+#endif
+#ifndef SW_NORMAL
+constexpr auto SW_NORMAL = 1;
+#endif
+#ifndef SW_SHOWMINIMIZED
+constexpr auto SW_SHOWMINIMIZED = 2;
+#endif
+#ifndef SW_SHOWMAXIMIZED
+constexpr auto SW_SHOWMAXIMIZED = 3;
+#endif
+#ifndef SW_MAXIMIZE
+constexpr auto SW_MAXIMIZE = 3;
+#endif
+#ifndef SW_SHOWNOACTIVATE
+constexpr auto SW_SHOWNOACTIVATE = 4;
+#endif
+#ifndef SW_SHOW
+constexpr auto SW_SHOW = 5;
+#endif
+#ifndef SW_MINIMIZE
+constexpr auto SW_MINIMIZE = 6;
+#endif
+#ifndef SW_SHOWMINNOACTIVE
+constexpr auto SW_SHOWMINNOACTIVE = 7;
+#endif
+#ifndef SW_SHOWNA
+constexpr auto SW_SHOWNA = 8;
+#endif
+#ifndef SW_RESTORE
+constexpr auto SW_RESTORE = 9;
+#endif
+#ifndef SW_SHOWDEFAULT
+constexpr auto SW_SHOWDEFAULT = 10;
+#endif
 
 // ShellExecuteA results at or below 32.
-#define SE_ERR_FNF 2
-#define SE_ERR_PNF 3
-#define SE_ERR_ACCESSDENIED 5
-#define SE_ERR_OOM 8
-#define SE_ERR_NOASSOC 31
+#ifndef SE_ERR_FNF
+constexpr auto SE_ERR_FNF = 2;
+#endif
+#ifndef SE_ERR_PNF
+constexpr auto SE_ERR_PNF = 3;
+#endif
+#ifndef SE_ERR_ACCESSDENIED
+constexpr auto SE_ERR_ACCESSDENIED = 5;
+#endif
+#ifndef SE_ERR_OOM
+constexpr auto SE_ERR_OOM = 8;
+#endif
+#ifndef SE_ERR_NOASSOC
+constexpr auto SE_ERR_NOASSOC = 31;
+#endif
 
 // Error codes beyond those of Util/Win32Types.h.
 #ifndef ERROR_BAD_FORMAT
-#define ERROR_BAD_FORMAT 11L
+constexpr auto ERROR_BAD_FORMAT = 11L;
 #endif
 #ifndef ERROR_INVALID_DRIVE
-#define ERROR_INVALID_DRIVE 15L
+constexpr auto ERROR_INVALID_DRIVE = 15L;
 #endif
 #ifndef ERROR_CURRENT_DIRECTORY
-#define ERROR_CURRENT_DIRECTORY 16L
+constexpr auto ERROR_CURRENT_DIRECTORY = 16L;
 #endif
 #ifndef ERROR_NOT_SAME_DEVICE
-#define ERROR_NOT_SAME_DEVICE 17L
+constexpr auto ERROR_NOT_SAME_DEVICE = 17L;
 #endif
 #ifndef ERROR_NEGATIVE_SEEK
-#define ERROR_NEGATIVE_SEEK 131L
+constexpr auto ERROR_NEGATIVE_SEEK = 131L;
 #endif
 #ifndef ERROR_BAD_PATHNAME
-#define ERROR_BAD_PATHNAME 161L
+constexpr auto ERROR_BAD_PATHNAME = 161L;
 #endif
 #ifndef ERROR_PIPE_BUSY
-#define ERROR_PIPE_BUSY 231L
+constexpr auto ERROR_PIPE_BUSY = 231L;
 #endif
 #ifndef ERROR_NO_DATA
-#define ERROR_NO_DATA 232L
+constexpr auto ERROR_NO_DATA = 232L;
 #endif
 #ifndef ERROR_PIPE_CONNECTED
-#define ERROR_PIPE_CONNECTED 535L
+constexpr auto ERROR_PIPE_CONNECTED = 535L;
 #endif
 
+} // namespace Win32
+} // namespace Util
 #endif // !_WIN32
 
 namespace Util {

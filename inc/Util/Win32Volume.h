@@ -43,6 +43,9 @@
 #include <lm.h>
 #include <winnetwk.h>
 #else
+namespace Util {
+namespace Win32 {
+
 typedef WCHAR* LPWSTR;
 typedef const WCHAR* LPCWSTR;
 typedef BYTE* LPBYTE;
@@ -71,23 +74,60 @@ struct REMOTE_NAME_INFOA {
     LPSTR lpRemainingPath;
 };
 
-#define UNIVERSAL_NAME_INFO_LEVEL 0x00000001
-#define REMOTE_NAME_INFO_LEVEL 0x00000002
-#define STYPE_DISKTREE 0
-#define STYPE_PRINTQ 1
-#define NERR_Success 0
-#define NERR_ServerNotStarted 2114
-#define NERR_NetNameNotFound 2310
-#define ERROR_INVALID_LEVEL 124L
-#define ERROR_BAD_DEVICE 1200L
-#define ERROR_NOT_CONNECTED 2250L
-#define FILE_CASE_SENSITIVE_SEARCH 0x00000001
-#define FILE_CASE_PRESERVED_NAMES 0x00000002
-#define FILE_READ_ONLY_VOLUME 0x00080000
-#define FILE_NAME_NORMALIZED 0x0
-#define VOLUME_NAME_DOS 0x0
-#define CP_ACP 0
-#define CP_UTF8 65001
+#ifndef UNIVERSAL_NAME_INFO_LEVEL
+constexpr auto UNIVERSAL_NAME_INFO_LEVEL = 0x00000001;
+#endif
+#ifndef REMOTE_NAME_INFO_LEVEL
+constexpr auto REMOTE_NAME_INFO_LEVEL = 0x00000002;
+#endif
+#ifndef STYPE_DISKTREE
+constexpr auto STYPE_DISKTREE = 0;
+#endif
+#ifndef STYPE_PRINTQ
+constexpr auto STYPE_PRINTQ = 1;
+#endif
+#ifndef NERR_Success
+constexpr auto NERR_Success = 0;
+#endif
+#ifndef NERR_ServerNotStarted
+constexpr auto NERR_ServerNotStarted = 2114;
+#endif
+#ifndef NERR_NetNameNotFound
+constexpr auto NERR_NetNameNotFound = 2310;
+#endif
+#ifndef ERROR_INVALID_LEVEL
+constexpr auto ERROR_INVALID_LEVEL = 124L;
+#endif
+#ifndef ERROR_BAD_DEVICE
+constexpr auto ERROR_BAD_DEVICE = 1200L;
+#endif
+#ifndef ERROR_NOT_CONNECTED
+constexpr auto ERROR_NOT_CONNECTED = 2250L;
+#endif
+#ifndef FILE_CASE_SENSITIVE_SEARCH
+constexpr auto FILE_CASE_SENSITIVE_SEARCH = 0x00000001;
+#endif
+#ifndef FILE_CASE_PRESERVED_NAMES
+constexpr auto FILE_CASE_PRESERVED_NAMES = 0x00000002;
+#endif
+#ifndef FILE_READ_ONLY_VOLUME
+constexpr auto FILE_READ_ONLY_VOLUME = 0x00080000;
+#endif
+#ifndef FILE_NAME_NORMALIZED
+constexpr auto FILE_NAME_NORMALIZED = 0x0;
+#endif
+#ifndef VOLUME_NAME_DOS
+constexpr auto VOLUME_NAME_DOS = 0x0;
+#endif
+#ifndef CP_ACP
+constexpr auto CP_ACP = 0;
+#endif
+#ifndef CP_UTF8
+constexpr auto CP_UTF8 = 65001;
+#endif
+
+} // namespace Win32
+} // namespace Util
 #endif
 
 namespace Util {

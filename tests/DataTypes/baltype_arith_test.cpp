@@ -36,24 +36,25 @@ void RunBinaryCases(const std::vector<BinaryCase>& cases,
 TEST_F(BalTypeAdd, EmptyErrorPercentAndKindRules) {
     const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> cases = {
-        {"empty + 5.00", BalEmptyDollar(), Dollar("5.00"), 0x00, "5", false},
-        {"5.00 + empty", Dollar("5.00"), BalEmptyDollar(), 0x00, "5", false},
-        {"empty dollar + qty", BalEmptyDollar(), Qty("1.5"), 0x00, "1.5", false},
-        {"qty + empty qty", Qty("1.5"), BalEmptyQty(), 0x01, "1.5", false},
-        {"empty + empty", BalEmptyQty(), BalEmptyQty(), 0x31, "0", false},
-        {"error + 5", errorValue, Dollar("5"), 0x24, "0", true},
-        {"empty + error", BalEmptyDollar(), errorValue, 0x24, "0", true},
-        {"10% + 5", Pct("10"), Dollar("5"), 0x00, "5.10", false},
-        {"5 + 10%", Dollar("5"), Pct("10"), 0x00, "5.10", false},
-        {"10% + 20%", Pct("10"), Pct("20"), 0x09, "30", false},
-        {"qty + dollar rounds", Qty("1.23456"), Dollar("1.00"), 0x00, "2.23", false},
-        {"qty + qty keeps places", Qty("1.23456"), Qty("2.00001"), 0x01, "3.23457", false},
-        {"zero qty + dollar", BalType(BalType::ZeroQtyValue), Dollar("1.5"), 0x00, "1.5", false},
-        {"qty + zero dollar rounds", Qty("1.23456"), BalType(), 0x00, "1.23", false},
-        {"dollar + zero dollar", Dollar("1.234"), BalType(), 0x00, "1.234", false},
-        {"overflow", Dollar("9999999999999.99"), Dollar("0.01"), 0x04, "0", true},
-        {"negative overflow", Dollar("-9999999999999.99"), Dollar("-0.01"), 0x04, "0", true},
-        {"qty sum falls back", Qty("9999999999.99999"), Qty("0.00001"), 0x00, "10000000000", false},
+        {"empty + 5.00", BalEmptyDollar(), Dollar("5.00"), kDollar, "5", false},
+        {"5.00 + empty", Dollar("5.00"), BalEmptyDollar(), kDollar, "5", false},
+        {"empty dollar + qty", BalEmptyDollar(), Qty("1.5"), kDollar, "1.5", false},
+        {"qty + empty qty", Qty("1.5"), BalEmptyQty(), kQty, "1.5", false},
+        {"empty + empty", BalEmptyQty(), BalEmptyQty(), BalType::kEmptyQtyBits, "0", false},
+        {"error + 5", errorValue, Dollar("5"), BalType::kErrorDollarBits, "0", true},
+        {"empty + error", BalEmptyDollar(), errorValue, BalType::kErrorDollarBits, "0", true},
+        {"10% + 5", Pct("10"), Dollar("5"), kDollar, "5.10", false},
+        {"5 + 10%", Dollar("5"), Pct("10"), kDollar, "5.10", false},
+        {"10% + 20%", Pct("10"), Pct("20"), kQty | kPct, "30", false},
+        {"qty + dollar rounds", Qty("1.23456"), Dollar("1.00"), kDollar, "2.23", false},
+        {"qty + qty keeps places", Qty("1.23456"), Qty("2.00001"), kQty, "3.23457", false},
+        {"zero qty + dollar", BalType(BalType::ZeroQtyValue), Dollar("1.5"), kDollar, "1.5", false},
+        {"qty + zero dollar rounds", Qty("1.23456"), BalType(), kDollar, "1.23", false},
+        {"dollar + zero dollar", Dollar("1.234"), BalType(), kDollar, "1.234", false},
+        {"overflow", Dollar("9999999999999.99"), Dollar("0.01"), kErr, "0", true},
+        {"negative overflow", Dollar("-9999999999999.99"), Dollar("-0.01"), kErr, "0", true},
+        {"qty sum falls back", Qty("9999999999.99999"), Qty("0.00001"), kDollar, "10000000000",
+         false},
     };
     RunBinaryCases(cases, BalAdd);
 }
@@ -75,13 +76,13 @@ TEST_F(BalTypeAdd, ResultMayAliasAnOperandAndOperatorsAgree) {
 TEST_F(BalTypeAdd, SubtractionNegatesTheSecondOperand) {
     const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> cases = {
-        {"5.00 - 7.25", Dollar("5.00"), Dollar("7.25"), 0x00, "-2.25", false},
-        {"5 - uninitialised", Dollar("5"), BalType(), 0x00, "5", false},
-        {"uninitialised - 5", BalType(), Dollar("5"), 0x00, "-5", false},
-        {"5 - empty", Dollar("5"), BalEmptyDollar(), 0x00, "5", false},
-        {"50% - 20%", Pct("50"), Pct("20"), 0x09, "30", false},
-        {"5 - error", Dollar("5"), errorValue, 0x24, "0", true},
-        {"negative overflow", Dollar("-9999999999999.99"), Dollar("1"), 0x04, "0", true},
+        {"5.00 - 7.25", Dollar("5.00"), Dollar("7.25"), kDollar, "-2.25", false},
+        {"5 - uninitialised", Dollar("5"), BalType(), kDollar, "5", false},
+        {"uninitialised - 5", BalType(), Dollar("5"), kDollar, "-5", false},
+        {"5 - empty", Dollar("5"), BalEmptyDollar(), kDollar, "5", false},
+        {"50% - 20%", Pct("50"), Pct("20"), kQty | kPct, "30", false},
+        {"5 - error", Dollar("5"), errorValue, BalType::kErrorDollarBits, "0", true},
+        {"negative overflow", Dollar("-9999999999999.99"), Dollar("1"), kErr, "0", true},
     };
     RunBinaryCases(cases, BalSubtract);
 }
@@ -89,27 +90,27 @@ TEST_F(BalTypeAdd, SubtractionNegatesTheSecondOperand) {
 TEST_F(BalTypeMultiply, DollarAndQuantityResults) {
     const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> dollarCases = {
-        {"error", errorValue, Dollar("2"), 0x24, "0", true},
-        {"empty * empty", BalEmptyQty(), BalEmptyDollar(), 0x30, "0", false},
-        {"empty * 5", BalEmptyDollar(), Dollar("5"), 0x20, "0", false},
-        {"zero * 5", BalType(), Dollar("5"), 0x20, "0", false},
-        {"2.50 * 3", Dollar("2.50"), Qty("3"), 0x00, "7.50", false},
-        {"10% of 200", Pct("10"), Dollar("200"), 0x00, "20", false},
-        {"rounds half away", Qty("1.005"), Qty("1"), 0x00, "1.01", false},
-        {"-1.005 rounds half away", Qty("-1.005"), Qty("1"), 0x00, "-1.01", false},
-        {"overflow", Dollar("9999999999999.99"), Qty("2"), 0x04, "0", true},
+        {"error", errorValue, Dollar("2"), BalType::kErrorDollarBits, "0", true},
+        {"empty * empty", BalEmptyQty(), BalEmptyDollar(), BalType::kEmptyDollarBits, "0", false},
+        {"empty * 5", BalEmptyDollar(), Dollar("5"), BalType::kZeroDollarBits, "0", false},
+        {"zero * 5", BalType(), Dollar("5"), BalType::kZeroDollarBits, "0", false},
+        {"2.50 * 3", Dollar("2.50"), Qty("3"), kDollar, "7.50", false},
+        {"10% of 200", Pct("10"), Dollar("200"), kDollar, "20", false},
+        {"rounds half away", Qty("1.005"), Qty("1"), kDollar, "1.01", false},
+        {"-1.005 rounds half away", Qty("-1.005"), Qty("1"), kDollar, "-1.01", false},
+        {"overflow", Dollar("9999999999999.99"), Qty("2"), kErr, "0", true},
     };
     RunBinaryCases(dollarCases, BalMultiply);
     const std::vector<BinaryCase> qtyCases = {
-        {"error", errorValue, Dollar("2"), 0x25, "0", true},
-        {"empty * empty", BalEmptyDollar(), BalEmptyDollar(), 0x31, "0", false},
-        {"zero * 5", BalType(), Dollar("5"), 0x21, "0", false},
-        {"1.23456 * 2", Qty("1.23456"), Qty("2"), 0x01, "2.46912", false},
-        {"rounds to five places", Qty("1.000001"), Qty("1.5"), 0x01, "1.50000", false},
+        {"error", errorValue, Dollar("2"), BalType::kErrorQtyBits, "0", true},
+        {"empty * empty", BalEmptyDollar(), BalEmptyDollar(), BalType::kEmptyQtyBits, "0", false},
+        {"zero * 5", BalType(), Dollar("5"), BalType::kZeroQtyBits, "0", false},
+        {"1.23456 * 2", Qty("1.23456"), Qty("2"), kQty, "2.46912", false},
+        {"rounds to five places", Qty("1.000001"), Qty("1.5"), kQty, "1.50000", false},
         // Beyond the quantity maximum the product falls back to dollars, and still reads as a
         // quantity.
-        {"falls back", Qty("100000"), Qty("100000.001"), 0x01, "10000000100", false},
-        {"overflow", Dollar("9999999999999.99"), Qty("2"), 0x05, "0", true},
+        {"falls back", Qty("100000"), Qty("100000.001"), kQty, "10000000100", false},
+        {"overflow", Dollar("9999999999999.99"), Qty("2"), kQty | kErr, "0", true},
     };
     RunBinaryCases(qtyCases, BalMultiplyQnty);
     EXPECT_TRUE(NumberIs(Dollar("3") * Dollar("4"), "12"));
@@ -118,17 +119,17 @@ TEST_F(BalTypeMultiply, DollarAndQuantityResults) {
 TEST_F(BalTypeDivide, ResultIsAlwaysAQuantity) {
     const BalType errorValue = Errored(Dollar("7"));
     const std::vector<BinaryCase> cases = {
-        {"by zero", Dollar("5"), BalType(), 0x25, "0", true},
-        {"by explicit zero", Dollar("5"), Dollar("0.00"), 0x25, "0", true},
-        {"error", errorValue, Dollar("5"), 0x25, "0", true},
-        {"zero by 5", BalType(), Dollar("5"), 0x21, "0", false},
-        {"10 / 4", Dollar("10"), Dollar("4"), 0x01, "2.5", false},
-        {"1 / 3", Dollar("1"), Dollar("3"), 0x01, "0.33333", false},
-        {"2 / 3 rounds", Dollar("2"), Dollar("3"), 0x01, "0.66667", false},
-        {"50% / 2", Pct("50"), Dollar("2"), 0x01, "0.25", false},
-        {"10 / 50%", Dollar("10"), Pct("50"), 0x01, "20", false},
-        {"50% / 25%", Pct("50"), Pct("25"), 0x01, "2", false},
-        {"large quotient falls back", Dollar("9999999999999"), Dollar("0.5"), 0x04, "0", true},
+        {"by zero", Dollar("5"), BalType(), BalType::kErrorQtyBits, "0", true},
+        {"by explicit zero", Dollar("5"), Dollar("0.00"), BalType::kErrorQtyBits, "0", true},
+        {"error", errorValue, Dollar("5"), BalType::kErrorQtyBits, "0", true},
+        {"zero by 5", BalType(), Dollar("5"), BalType::kZeroQtyBits, "0", false},
+        {"10 / 4", Dollar("10"), Dollar("4"), kQty, "2.5", false},
+        {"1 / 3", Dollar("1"), Dollar("3"), kQty, "0.33333", false},
+        {"2 / 3 rounds", Dollar("2"), Dollar("3"), kQty, "0.66667", false},
+        {"50% / 2", Pct("50"), Dollar("2"), kQty, "0.25", false},
+        {"10 / 50%", Dollar("10"), Pct("50"), kQty, "20", false},
+        {"50% / 25%", Pct("50"), Pct("25"), kQty, "2", false},
+        {"large quotient falls back", Dollar("9999999999999"), Dollar("0.5"), kErr, "0", true},
     };
     RunBinaryCases(cases, BalDivide);
     EXPECT_TRUE(NumberIs(Dollar("9") / Dollar("3"), "3"));
@@ -148,7 +149,7 @@ TEST_F(BalTypeCompare, PickyCompareRanksErrorsPercentsAndEmpties) {
     BalType emptyFive = Dollar("5");
     emptyFive.SetEmptyDollar();
     emptyFive._SetZtDecimal(ZtDecimal64(5));
-    emptyFive._SetMbits(0x10); // empty, with the number 5 still stored
+    emptyFive._SetMbits(kEmpty); // empty, with the number 5 still stored
     const struct {
         const char* name;
         BalType a, b;
@@ -212,9 +213,9 @@ TEST_F(BalTypeRound, PlacesOrDecimalsButNotBoth) {
         unsigned char bits;
         const char* number;
     } cases[] = {
-        {Qty("12.34567"), 0, 2, 0x01, "12.35"}, {Dollar("1234.56"), 2, 0, 0x00, "1200"},
-        {Dollar("-1250"), 2, 0, 0x00, "-1300"}, {Pct("12.5"), 0, 0, 0x09, "13"},
-        {Dollar("1.5"), 1, 1, 0x04, "0"},
+        {Qty("12.34567"), 0, 2, kQty, "12.35"},    {Dollar("1234.56"), 2, 0, kDollar, "1200"},
+        {Dollar("-1250"), 2, 0, kDollar, "-1300"}, {Pct("12.5"), 0, 0, kQty | kPct, "13"},
+        {Dollar("1.5"), 1, 1, kErr, "0"},
     };
     for (const auto& c : cases) {
         BalType result = BalRound(c.value, c.places, c.decimals);

@@ -19,24 +19,24 @@ TEST_F(BalTypeText, ParsesWithEitherSeparator) {
         unsigned char bits;
         const char* number;
     } cases[] = {
-        {'.', "12.345", 0x01, "12.345"},
-        {'.', "12.34", 0x00, "12.34"},
-        {'.', "12.3", 0x00, "12.3"},
-        {'.', "12%", 0x09, "12"},
-        {'.', "12.5%", 0x09, "12.5"},
-        {'.', "-0.001", 0x01, "-0.001"},
-        {'.', "12.345678", 0x01, "12.34568"},
-        {'.', "  7.5 ", 0x04, "0"}, // parsed as it stands: blanks make the text invalid
-        {'.', "12.34 ", 0x05, "0"}, // the blank counts as a third fraction digit
-        {'.', "", 0x00, "0"},
-        {'.', "1E3", 0x00, "1000"},
-        {',', "12,345", 0x01, "12.345"},
-        {',', "12,34", 0x00, "12.34"},
-        {',', "5,5%", 0x09, "5.5"},
-        {',', "12.34", 0x00, "12.34"}, // the library's own point still parses
-        {'.', "10000000000000", 0x04, "0"},
-        {'.', "abc", 0x04, "0"},
-        {'.', "12.34.56", 0x05, "0"}, // more than two digits after the separator
+        {'.', "12.345", kQty, "12.345"},
+        {'.', "12.34", kDollar, "12.34"},
+        {'.', "12.3", kDollar, "12.3"},
+        {'.', "12%", kQty | kPct, "12"},
+        {'.', "12.5%", kQty | kPct, "12.5"},
+        {'.', "-0.001", kQty, "-0.001"},
+        {'.', "12.345678", kQty, "12.34568"},
+        {'.', "  7.5 ", kErr, "0"},        // parsed as it stands: blanks make the text invalid
+        {'.', "12.34 ", kQty | kErr, "0"}, // the blank counts as a third fraction digit
+        {'.', "", kDollar, "0"},
+        {'.', "1E3", kDollar, "1000"},
+        {',', "12,345", kQty, "12.345"},
+        {',', "12,34", kDollar, "12.34"},
+        {',', "5,5%", kQty | kPct, "5.5"},
+        {',', "12.34", kDollar, "12.34"}, // the library's own point still parses
+        {'.', "10000000000000", kErr, "0"},
+        {'.', "abc", kErr, "0"},
+        {'.', "12.34.56", kQty | kErr, "0"}, // more than two digits after the separator
     };
     for (const auto& c : cases) {
         SetBalTypeDecimalSeparator(c.separator);
@@ -51,9 +51,9 @@ TEST_F(BalTypeText, QuantityAndMemberForms) {
     EXPECT_TRUE(qty.IsQty() && NumberIs(qty, "12.3"));
     BalType value;
     value.String2Dollar(Util::TString(""));
-    EXPECT_EQ(value._GetMbits(), 0x30);
+    EXPECT_EQ(value._GetMbits(), BalType::kEmptyDollarBits);
     value.String2Qty(Util::TString(""));
-    EXPECT_EQ(value._GetMbits(), 0x31);
+    EXPECT_EQ(value._GetMbits(), BalType::kEmptyQtyBits);
     value.String2Dollar(Util::TString("4.5"));
     EXPECT_TRUE(value.IsDollar() && NumberIs(value, "4.5"));
     value.String2Qty(Util::TString("4.5"));
@@ -75,15 +75,15 @@ TEST_F(BalTypeDouble, KindFollowsDigitsBeyondTheCents) {
         unsigned char bits;
         const char* number;
     } cases[] = {
-        {12.5, 0x00, "12.5"},
-        {12.345, 0x01, "12.345"},
-        {-0.001, 0x01, "-0.001"},
-        {0.1, 0x00, "0.1"},
-        {1e11, 0x00, "100000000000"},
-        {9999999999999.99, 0x00, "9999999999999.99"},
-        {1e20, 0x04, "0"},
-        {std::numeric_limits<double>::quiet_NaN(), 0x04, "0"},
-        {std::numeric_limits<double>::infinity(), 0x04, "0"},
+        {12.5, kDollar, "12.5"},
+        {12.345, kQty, "12.345"},
+        {-0.001, kQty, "-0.001"},
+        {0.1, kDollar, "0.1"},
+        {1e11, kDollar, "100000000000"},
+        {9999999999999.99, kDollar, "9999999999999.99"},
+        {1e20, kErr, "0"},
+        {std::numeric_limits<double>::quiet_NaN(), kErr, "0"},
+        {std::numeric_limits<double>::infinity(), kErr, "0"},
     };
     for (const auto& c : cases) {
         BalType value = Double2Bal(c.value);
@@ -91,7 +91,7 @@ TEST_F(BalTypeDouble, KindFollowsDigitsBeyondTheCents) {
         EXPECT_TRUE(NumberIs(value, c.number)) << c.value << ": " << Describe(value);
     }
     BalType qtyError = Double2Bal(1e12, BalKindQty);
-    EXPECT_EQ(qtyError._GetMbits() & 0x05, 0x05);
+    EXPECT_EQ(qtyError._GetMbits() & (kQty | kErr), kQty | kErr);
 }
 
 TEST_F(BalTypeDouble, Bal2DoubleScalesPercentsAndZeroesErrors) {
@@ -119,7 +119,7 @@ TEST_F(BalTypeDouble, MultiplyAndDivideRoundTheFactorToSignificantDigits) {
 
 TEST_F(BalTypeKinds, PercentQuantityAndDollarConversions) {
     BalType percent = Bal2Percent(Dollar("12.5"));
-    EXPECT_EQ(percent._GetMbits(), 0x09);
+    EXPECT_EQ(percent._GetMbits(), kQty | kPct);
     EXPECT_TRUE(NumberIs(percent, "12.5"));
 
     BalType qty = Bal2Qnty(Dollar("12.345")); // no rounding on the way
@@ -153,7 +153,7 @@ TEST_F(BalTypeValidate, ValidateAmountRepairsOrRejects) {
     BalType dollarPercent = Dollar("-12.34");
     dollarPercent.SetPercent(true);
     EXPECT_FALSE(ValidateAmount(&dollarPercent));
-    EXPECT_EQ(dollarPercent._GetMbits(), 0x09);
+    EXPECT_EQ(dollarPercent._GetMbits(), kQty | kPct);
     EXPECT_TRUE(NumberIs(dollarPercent, "-12.34"));
 
     BalType bigPercent = Dollar("10000000000");
@@ -163,7 +163,7 @@ TEST_F(BalTypeValidate, ValidateAmountRepairsOrRejects) {
 
     BalType tooLarge = Make("10000000000.5", BalKindQty, false);
     EXPECT_FALSE(ValidateAmount(&tooLarge));
-    EXPECT_EQ(tooLarge._GetMbits(), 0x05);
+    EXPECT_EQ(tooLarge._GetMbits(), kQty | kErr);
     EXPECT_TRUE(tooLarge.IsZero());
 
     BalType fine = Dollar("9999999999999.99");

@@ -9,6 +9,13 @@
 #include "Util/BalType.h"
 #include "Util/ZtDecimal64.h"
 
+// Flag bits of the expected values, by name.
+constexpr unsigned char kDollar = 0;
+constexpr unsigned char kQty = BalType::kQtyBit;
+constexpr unsigned char kErr = BalType::kErrorBit;
+constexpr unsigned char kPct = BalType::kPercentBit;
+constexpr unsigned char kEmpty = BalType::kEmptyBit;
+
 class BalTypeTest : public ::testing::Test {
 public:
     void SetUp() override {

@@ -12,13 +12,15 @@ TEST_F(BalTypeState, InitialValuesSetTheFlagByte) {
     const struct {
         int initial;
         unsigned char bits;
-    } cases[] = {{0, 0x20}, {1, 0x21}, {2, 0x30}, {3, 0x31}, {7, 0x20}, {-1, 0x20}};
+    } cases[] = {{0, BalType::kZeroDollarBits},  {1, BalType::kZeroQtyBits},
+                 {2, BalType::kEmptyDollarBits}, {3, BalType::kEmptyQtyBits},
+                 {7, BalType::kZeroDollarBits},  {-1, BalType::kZeroDollarBits}};
     for (const auto& c : cases) {
         BalType value(static_cast<BalType::BalTypeIntialValue>(c.initial));
         EXPECT_EQ(value._GetMbits(), c.bits) << c.initial;
         EXPECT_TRUE(value.IsZero());
     }
-    EXPECT_EQ(BalType()._GetMbits(), 0x20);
+    EXPECT_EQ(BalType()._GetMbits(), BalType::kZeroDollarBits);
 }
 
 TEST_F(BalTypeState, UninitialisedNumberReadsAsSharedZeroWhateverItsBytes) {
@@ -61,13 +63,13 @@ TEST_F(BalTypeState, FlagSettersAndQueries) {
     EXPECT_TRUE(value.IsQty());
     EXPECT_EQ(value.GetKind(), BalKindQty);
     value.SetPercent(true);
-    EXPECT_EQ(value._GetMbits(), 0x09);
+    EXPECT_EQ(value._GetMbits(), kQty | kPct);
     value.SetEmptyDollar();
-    EXPECT_EQ(value._GetMbits(), 0x30);
+    EXPECT_EQ(value._GetMbits(), BalType::kEmptyDollarBits);
     value.ClearEmpty();
-    EXPECT_EQ(value._GetMbits(), 0x20);
+    EXPECT_EQ(value._GetMbits(), BalType::kZeroDollarBits);
     value.SetZeroQty();
-    EXPECT_EQ(value._GetMbits(), 0x21);
+    EXPECT_EQ(value._GetMbits(), BalType::kZeroQtyBits);
     value.SetError();
     EXPECT_TRUE(value.IsError());
     EXPECT_TRUE(value.IsZero());
@@ -75,16 +77,16 @@ TEST_F(BalTypeState, FlagSettersAndQueries) {
 }
 
 TEST_F(BalTypeState, SharedConstants) {
-    EXPECT_EQ(BalType_ZERO_DOLLAR()._GetMbits(), 0x20);
+    EXPECT_EQ(BalType_ZERO_DOLLAR()._GetMbits(), BalType::kZeroDollarBits);
     EXPECT_TRUE(NumberIs(BalType_ONE_DOLLAR(), "1") && BalType_ONE_DOLLAR().IsDollar());
     EXPECT_TRUE(NumberIs(BalType_ONE_QUANTITY(), "1") && BalType_ONE_QUANTITY().IsQty());
     EXPECT_TRUE(BalType_ZERO_PCT().IsPercent() && BalType_ZERO_PCT().IsQty());
     EXPECT_TRUE(BalType_ZERO_PCT().IsZero());
     EXPECT_TRUE(NumberIs(BalType_HUNDRED_PCT(), "100") && BalType_HUNDRED_PCT().IsPercent());
-    EXPECT_EQ(refBalEmptyDollar()._GetMbits(), 0x30);
-    EXPECT_EQ(refBalEmptyQty()._GetMbits(), 0x31);
-    EXPECT_EQ(BalEmptyDollar()._GetMbits(), 0x30);
-    EXPECT_EQ(BalEmptyQty()._GetMbits(), 0x31);
+    EXPECT_EQ(refBalEmptyDollar()._GetMbits(), BalType::kEmptyDollarBits);
+    EXPECT_EQ(refBalEmptyQty()._GetMbits(), BalType::kEmptyQtyBits);
+    EXPECT_EQ(BalEmptyDollar()._GetMbits(), BalType::kEmptyDollarBits);
+    EXPECT_EQ(BalEmptyQty()._GetMbits(), BalType::kEmptyQtyBits);
     EXPECT_FALSE(GetBalTypeOverflowFlag());
 }
 
@@ -96,30 +98,30 @@ TEST_F(BalTypeStore, SetFromDecimalAppliesKindsRoundingAndFallBack) {
         unsigned char bits;   // flag byte after storing
         const char* expected; // number after storing
     } cases[] = {
-        {"12.345", BalKindQty, false, 0x01, "12.345"},
-        {"12.345", BalKindDollar, false, 0x00, "12.35"}, // ties away from zero
-        {"-12.345", BalKindDollar, false, 0x00, "-12.35"},
-        {"1.000005", BalKindQty, false, 0x01, "1.00001"},
-        {"50", BalKindQty, true, 0x09, "50"},
-        {"9999999999.99999", BalKindQty, false, 0x01, "9999999999.99999"},
+        {"12.345", BalKindQty, false, kQty, "12.345"},
+        {"12.345", BalKindDollar, false, kDollar, "12.35"}, // ties away from zero
+        {"-12.345", BalKindDollar, false, kDollar, "-12.35"},
+        {"1.000005", BalKindQty, false, kQty, "1.00001"},
+        {"50", BalKindQty, true, kQty | kPct, "50"},
+        {"9999999999.99999", BalKindQty, false, kQty, "9999999999.99999"},
         // A quantity beyond its maximum is kept as a dollar amount, rounded to cents.
-        {"9999999999.999991", BalKindQty, false, 0x00, "10000000000.00"},
-        {"123456789012.345", BalKindQty, false, 0x00, "123456789012.35"},
-        {"9999999999999.99", BalKindDollar, false, 0x00, "9999999999999.99"},
-        {"-9999999999999.99", BalKindDollar, false, 0x00, "-9999999999999.99"},
-        {"9999999999999.991", BalKindDollar, false, 0x04, "0"},
+        {"9999999999.999991", BalKindQty, false, kDollar, "10000000000.00"},
+        {"123456789012.345", BalKindQty, false, kDollar, "123456789012.35"},
+        {"9999999999999.99", BalKindDollar, false, kDollar, "9999999999999.99"},
+        {"-9999999999999.99", BalKindDollar, false, kDollar, "-9999999999999.99"},
+        {"9999999999999.991", BalKindDollar, false, kErr, "0"},
         // The limit test compares values, whatever the exponent of either side.
-        {"9999999999999990E-3", BalKindDollar, false, 0x00, "9999999999999.99"},
-        {"999999999999999E-2", BalKindDollar, false, 0x00, "9999999999999.99"},
-        {"1E13", BalKindDollar, false, 0x04, "0"},
-        {"1000000000000000E-2", BalKindDollar, false, 0x04, "0"},
-        {"1E-398", BalKindDollar, false, 0x00, "0"},
-        {"-0E+300", BalKindQty, false, 0x01, "0"},
-        {"99999999999999999E-7", BalKindQty, false, 0x00, "10000000000.00"},
-        {"10000000000000", BalKindQty, false, 0x04, "0"},
-        {"Infinity", BalKindDollar, false, 0x04, "0"},
-        {"NaN", BalKindQty, true, 0x0D, "0"},
-        {"sNaN", BalKindDollar, false, 0x04, "0"},
+        {"9999999999999990E-3", BalKindDollar, false, kDollar, "9999999999999.99"},
+        {"999999999999999E-2", BalKindDollar, false, kDollar, "9999999999999.99"},
+        {"1E13", BalKindDollar, false, kErr, "0"},
+        {"1000000000000000E-2", BalKindDollar, false, kErr, "0"},
+        {"1E-398", BalKindDollar, false, kDollar, "0"},
+        {"-0E+300", BalKindQty, false, kQty, "0"},
+        {"99999999999999999E-7", BalKindQty, false, kDollar, "10000000000.00"},
+        {"10000000000000", BalKindQty, false, kErr, "0"},
+        {"Infinity", BalKindDollar, false, kErr, "0"},
+        {"NaN", BalKindQty, true, kQty | kErr | kPct, "0"},
+        {"sNaN", BalKindDollar, false, kErr, "0"},
     };
     for (const auto& c : cases) {
         ResetBalTypeOverflowFlag();
@@ -150,11 +152,11 @@ TEST_F(BalTypeStore, SixByteModeUsesTheNarrowerMaxima) {
         BalKind kind;
         unsigned char bits;
     } cases[] = {
-        {"4294967295.99999", BalKindQty, 0x01},
-        {"4294967295.999991", BalKindQty, 0x04}, // falls back to dollars, beyond them too
-        {"4294967295.99", BalKindDollar, 0x00},
-        {"4294967295.991", BalKindDollar, 0x04},
-        {"-4294967296", BalKindDollar, 0x04},
+        {"4294967295.99999", BalKindQty, kQty},
+        {"4294967295.999991", BalKindQty, kErr}, // falls back to dollars, beyond them too
+        {"4294967295.99", BalKindDollar, kDollar},
+        {"4294967295.991", BalKindDollar, kErr},
+        {"-4294967296", BalKindDollar, kErr},
     };
     for (const auto& c : cases) {
         BalType value;
@@ -326,7 +328,7 @@ TEST_F(BalTypeParts, DollarsCentsAndPenniesKeepTheSign) {
     EXPECT_TRUE(NumberIs(value, "-1234.56"));
     BalType empty(BalType::EmptyDollarValue);
     empty.SetDollarsAndCents(3, 5);
-    EXPECT_EQ(empty._GetMbits(), 0x00);
+    EXPECT_EQ(empty._GetMbits(), kDollar);
     EXPECT_TRUE(NumberIs(empty, "3.05"));
 }
 

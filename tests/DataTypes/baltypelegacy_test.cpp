@@ -22,7 +22,7 @@ TEST_F(BalTypeLegacy6Bytes, DollarRoundTripsAtEveryFieldBoundary) {
             BalType value;
             value.SetDollarsAndCents(whole, cents);
             BalType back = RoundTrip(value);
-            ASSERT_EQ(back._GetMbits(), 0x00) << whole << "." << cents;
+            ASSERT_EQ(back._GetMbits(), kDollar) << whole << "." << cents;
             ASSERT_EQ(back.GetDollars(), whole);
             ASSERT_EQ(back.GetCents(), cents);
         }
@@ -37,7 +37,8 @@ TEST_F(BalTypeLegacy6Bytes, QuantityRoundTripsAcrossThe17BitFractionAnd24BitWhol
             BalType value(BalType::ZeroQtyValue);
             value.SetQty(whole, fraction);
             BalTypeLegacy_6Bytes legacy(value);
-            EXPECT_EQ((legacy.GetBytes()[0] & 0x80) != 0, (fraction & 0x10000) != 0);
+            EXPECT_EQ((legacy.GetBytes()[0] & BalTypeLegacy_6Bytes::kFractionBit16) != 0,
+                      (fraction & 0x10000) != 0);
             BalType back;
             legacy.SetFromLegacy6Bytes(back);
             uint64_t w;
@@ -56,13 +57,20 @@ TEST_F(BalTypeLegacy6Bytes, BytesFollowTheDocumentedLayout) {
     qty.SetNegative();
     qty.SetPercent(true);
     BalTypeLegacy_6Bytes legacy(qty);
-    const unsigned char qtyBytes[6] = {0x80 | 0x08 | 0x02 | 0x01, 0x9F, 0x86, 0x56, 0x34, 0x12};
+    const unsigned char qtyBytes[6] = {
+        BalTypeLegacy_6Bytes::kFractionBit16 | BalTypeLegacy_6Bytes::kPercentBit |
+            BalTypeLegacy_6Bytes::kSignBit | BalTypeLegacy_6Bytes::kQtyBit,
+        0x9F,
+        0x86,
+        0x56,
+        0x34,
+        0x12};
     EXPECT_EQ(std::memcmp(legacy.GetBytes(), qtyBytes, 6), 0);
 
     BalType dollar;
     dollar.SetDollarsAndCents(0x89ABCDEF, 42);
     BalTypeLegacy_6Bytes legacyDollar(dollar);
-    const unsigned char dollarBytes[6] = {0x00, 42, 0xEF, 0xCD, 0xAB, 0x89};
+    const unsigned char dollarBytes[6] = {0, 42, 0xEF, 0xCD, 0xAB, 0x89};
     EXPECT_EQ(std::memcmp(legacyDollar.GetBytes(), dollarBytes, 6), 0);
 
     uint32_t whole, fraction;
@@ -83,7 +91,7 @@ TEST_F(BalTypeLegacy6Bytes, FlagsRoundTrip) {
 
     BalType percent = Pct("12.5");
     back = RoundTrip(percent);
-    EXPECT_EQ(back._GetMbits(), 0x09);
+    EXPECT_EQ(back._GetMbits(), kQty | kPct);
     EXPECT_TRUE(NumberIs(back, "12.5"));
 
     const BalType errorValue = Errored(Dollar("1"));
@@ -92,8 +100,8 @@ TEST_F(BalTypeLegacy6Bytes, FlagsRoundTrip) {
     EXPECT_TRUE(back.IsError());
     EXPECT_TRUE(GetBalTypeOverflowFlag());
 
-    EXPECT_EQ(RoundTrip(BalEmptyQty())._GetMbits(), 0x31);
-    EXPECT_EQ(RoundTrip(BalEmptyDollar())._GetMbits(), 0x30);
+    EXPECT_EQ(RoundTrip(BalEmptyQty())._GetMbits(), BalType::kEmptyQtyBits);
+    EXPECT_EQ(RoundTrip(BalEmptyDollar())._GetMbits(), BalType::kEmptyDollarBits);
     BalTypeLegacy_6Bytes emptyLegacy(BalEmptyDollar());
     EXPECT_TRUE(emptyLegacy.IsEmpty() && emptyLegacy.IsZero() && emptyLegacy.IsDollar());
 }

@@ -7,6 +7,8 @@
 #include <set>
 #include <string>
 
+using namespace Util::Win32;
+
 using Util::Guid;
 using Util::TString;
 

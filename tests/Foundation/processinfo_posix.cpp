@@ -8,6 +8,8 @@
 
 #include <vector>
 
+using namespace Util::Win32;
+
 TEST(ProcessPageFaults, OwnProcessCountsGrowWithTouchedMemory) {
     const long before = Util::GetProcessPageFaultCount(Util::CurrentProcessHandle());
     EXPECT_GT(before, 0);

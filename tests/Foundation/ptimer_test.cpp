@@ -12,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+using namespace Util::Win32;
+
 using Util::APTimer;
 using Util::PerformanceInfo;
 using Util::PerformanceInfoHP;

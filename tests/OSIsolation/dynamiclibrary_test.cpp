@@ -5,6 +5,8 @@
 
 #include <thread>
 
+using namespace Util::Win32;
+
 using Util::DynamicLibrary;
 
 TEST(DynamicLibrary, LoadsARealLibraryAndFindsItsSymbols) {

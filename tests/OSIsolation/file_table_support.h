@@ -12,6 +12,8 @@
 
 #include "Util/Win32File.h"
 
+using namespace Util::Win32;
+
 namespace FileTable {
 
 class Layout {

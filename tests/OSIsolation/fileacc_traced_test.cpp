@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+using namespace Util::Win32;
+
 namespace FileAccTest {
 namespace {
 

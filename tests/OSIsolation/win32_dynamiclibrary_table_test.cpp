@@ -10,6 +10,8 @@
 #include <random>
 #include <string>
 
+using namespace Util::Win32;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -11,6 +11,8 @@
 
 #include <thread>
 
+using namespace Util::Win32;
+
 namespace {
 
 struct LastErrorRow {

@@ -18,6 +18,8 @@
 
 #include "Util/Win32.h"
 
+using namespace Util::Win32;
+
 namespace fs = std::filesystem;
 namespace W = Util::Win32;
 

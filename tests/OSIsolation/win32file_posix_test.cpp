@@ -15,6 +15,8 @@
 #include "Util/Win32File.h"
 #include "tests/OSIsolation/file_table_support.h"
 
+using namespace Util::Win32;
+
 namespace W = Util::Win32;
 using FileTable::Layout;
 

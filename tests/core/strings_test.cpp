@@ -125,19 +125,19 @@ TEST(AttributeSet, TypedValuesReadBackAndTextFormsFollowTheType) {
     set.SetAttribute("s", static_cast<short>(-3));
     set.SetAttribute("i", 12);
     set.SetAttribute("l", -7L);
-    set.SetAttribute("q", static_cast<__int64>(1) << 40);
+    set.SetAttribute("q", static_cast<long long>(1) << 40);
     set.SetAttribute("d", 0.25);
     set.SetAttribute("t", true);
     set.SetAttribute("x", boost::any(std::vector<int>{1}));
     short s = 0;
     int i = 0;
-    __int64 q = 0;
+    long long q = 0;
     EXPECT_TRUE(set.GetShortAttribute("s", s));
     EXPECT_EQ(s, -3);
     EXPECT_TRUE(set.GetIntAttribute("i", i));
     EXPECT_EQ(i, 12);
     EXPECT_TRUE(set.GetInt64Attribute("q", q));
-    EXPECT_EQ(q, static_cast<__int64>(1) << 40);
+    EXPECT_EQ(q, static_cast<long long>(1) << 40);
     EXPECT_THROW(set.GetIntAttribute("l", i), boost::bad_any_cast);
 
     const std::pair<const char*, const char*> texts[] = {{"s", "-3"},   {"i", "12"},

@@ -8,6 +8,8 @@
 #include <iomanip>
 #include <iostream>
 
+using namespace Util::Win32;
+
 namespace {
 
 const char* const kFilesUsage =
