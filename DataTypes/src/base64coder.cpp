@@ -1,5 +1,7 @@
 #include "Util/Base64Coder.h"
 
+#include "Util/MemoryManager.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -128,6 +130,9 @@ bool Base64Coder::Grow(unsigned char*& buffer, size_t& capacity, size_t& dirty, 
         return false;
     }
     size_t size = (n / kBufferGranule) * kBufferGranule + kBufferGranule;
+    if (Util::Detail::ShouldFailAllocation()) {
+        return false;
+    }
     auto* p = static_cast<unsigned char*>(std::calloc(size, 1));
     if (p == nullptr) {
         return false;

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "Util/Compiler.h"
+#include "Util/MemoryManager.h"
 
 // The successful paths are laid out straight; failures and new blocks go out of line.
 
@@ -134,7 +135,9 @@ inline bool BlockStringCache::AddBufferToFreeList(char* start, std::size_t size)
 }
 
 Status BlockStringCache::AllocateNewBlock() {
-    char* pNewBlock = static_cast<char*>(std::malloc(m_blockSize == 0 ? 1 : m_blockSize));
+    char* pNewBlock = Detail::ShouldFailAllocation()
+                          ? nullptr
+                          : static_cast<char*>(std::malloc(m_blockSize == 0 ? 1 : m_blockSize));
     if (!VALUES_VERIFY(pNewBlock != NULL)) {
         VALUES_LOCAL_OPS("Util::BlockStringCache::AllocateNewBlock",
                          "Util::Status Util::BlockStringCache::AllocateNewBlock()");

@@ -11,6 +11,8 @@ namespace {
 class HeapMemoryManager final : public IMemoryManager {
 public:
     void* Allocate(std::size_t bytes) override {
+        if (Detail::ShouldFailAllocation())
+            return nullptr;
         void* block = std::malloc(bytes == 0 ? 1 : bytes);
         if (block != nullptr)
             m_outstanding.fetch_add(1, std::memory_order_relaxed);

@@ -1,5 +1,6 @@
 #include "Util/Status.h"
 
+#include "Util/MemoryManager.h"
 #include "core/src/spinlock.h"
 
 #include <boost/make_shared.hpp>
@@ -80,6 +81,8 @@ void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
     }
     if (m_list.size() >= std::min<std::size_t>(m_list.max_size(), UINT32_MAX - 1))
         throw std::length_error("list too long");
+    if (Detail::ShouldFailAllocation())
+        throw std::bad_alloc();
     boost::shared_ptr<StatusImpl> created(new StatusImpl, Deleter());
     if (m_list.size() == m_capacity) {
         m_capacity = m_capacity == 0 ? 1024 : m_capacity * 2;

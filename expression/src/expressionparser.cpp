@@ -1,7 +1,11 @@
+#include <memory>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Util/ExpressionParser.h"
+#include "Util/MemoryManager.h"
 
 namespace Util {
 namespace {
@@ -65,12 +69,23 @@ bool LookUpBinary(Tokenizer::EToken token, BinaryOperator& op) {
     }
 }
 
+using NodePtr = std::unique_ptr<ExpressParseNode>;
+
+// Every node of the parser is made here, so that an allocation failure (real or injected by the
+// test hook) is one std::bad_alloc, which Parse turns into PNS_OUT_OF_MEMORY.
+template <typename T, typename... Args> std::unique_ptr<T> MakeNode(Args&&... args) {
+    if (Detail::ShouldFailAllocation())
+        throw std::bad_alloc();
+    return std::unique_ptr<T>(new T(std::forward<Args>(args)...));
+}
+
 } // namespace
 
 // An operator-precedence parser with explicit stacks: operands waiting for their operator, and
 // operators, prefixes, parentheses and open function calls waiting for their operands. It builds
 // the same trees as the grammar's recursive rules with their left-associativity rotation, at any
-// depth of nesting.
+// depth of nesting. The operand stack owns its nodes, and open calls are freed with the builder,
+// so a parse that fails half-way (out of memory) leaks nothing.
 class ExpressionParserCompile::Builder {
 public:
     explicit Builder(Tokenizer& tokenizer) : m_tokenizer(tokenizer) {}
@@ -116,12 +131,12 @@ private:
     // operators that never got their operand.
     ExpressParseNode* Salvage();
     void DiscardAll();
-    void PushOperand(ExpressParseNode* node, long location) {
+    void PushOperand(NodePtr node, long location) {
         node->SetInputBuffLocation(location);
-        m_operands.push_back(node);
+        m_operands.push_back(std::move(node));
     }
-    ExpressParseNode* PopOperand() {
-        ExpressParseNode* node = m_operands.back();
+    NodePtr PopOperand() {
+        NodePtr node = std::move(m_operands.back());
         m_operands.pop_back();
         return node;
     }
@@ -142,15 +157,13 @@ private:
     Tokenizer::EToken m_token = Tokenizer::EndOfInput;
     ParseNodeStatus m_status = PNS_SUCCESS;
     long m_location = 0;
-    std::vector<ExpressParseNode*> m_operands;
+    std::vector<NodePtr> m_operands;
     std::vector<Pending> m_pending;
     std::string m_text;
     bool m_expectOperand = true;
 };
 
 void ExpressionParserCompile::Builder::DiscardAll() {
-    for (ExpressParseNode* node : m_operands)
-        delete node;
     m_operands.clear();
     for (const Pending& pending : m_pending) {
         if (pending.kind == kCall)
@@ -174,41 +187,45 @@ const std::string& ExpressionParserCompile::Builder::CopyStringLiteral() {
 }
 
 void ExpressionParserCompile::Builder::BuildPrefix(const Pending& prefix) {
-    ExpressParseNode* operand = PopOperand();
-    ExpressParseNode* node = nullptr;
+    NodePtr operand = PopOperand();
+    NodePtr node;
     if (prefix.kind == kMinusPrefix)
-        node = new UMinusNode(operand);
+        node = MakeNode<UMinusNode>(operand.get());
     else
-        node = new CompNotNode(operand);
-    PushOperand(node, prefix.location);
+        node = MakeNode<CompNotNode>(operand.get());
+    operand.release(); // now the prefix node's child
+    PushOperand(std::move(node), prefix.location);
 }
 
 void ExpressionParserCompile::Builder::BuildBinary(const Pending& op) {
-    ExpressParseNode* right = PopOperand();
-    ExpressParseNode* left = PopOperand();
-    ExpressParseNode* node = nullptr;
+    NodePtr right = PopOperand();
+    NodePtr left = PopOperand();
+    NodePtr node;
     if (op.kind == kAssign) {
-        node = new AssignNode(left, right);
+        node = MakeNode<AssignNode>(left.get(), right.get());
     } else {
         switch (op.op.type) {
         case PNT_ADD:
-            node = new AddNode(left, right);
+            node = MakeNode<AddNode>(left.get(), right.get());
             break;
         case PNT_SUB:
-            node = new SubNode(left, right);
+            node = MakeNode<SubNode>(left.get(), right.get());
             break;
         case PNT_MULT:
-            node = new MultNode(left, right);
+            node = MakeNode<MultNode>(left.get(), right.get());
             break;
         case PNT_DIVIDE:
-            node = new DivideNode(left, right);
+            node = MakeNode<DivideNode>(left.get(), right.get());
             break;
         default:
-            node = new CompNode(op.op.compareType, left, right);
+            node = MakeNode<CompNode>(op.op.compareType, left.get(), right.get());
             break;
         }
     }
-    PushOperand(node, left->GetInputBuffLocation());
+    const long location = left->GetInputBuffLocation();
+    left.release(); // both are now the new node's children
+    right.release();
+    PushOperand(std::move(node), location);
 }
 
 void ExpressionParserCompile::Builder::ApplyPrefixes() {
@@ -240,7 +257,7 @@ bool ExpressionParserCompile::Builder::ExpectOperand() {
     switch (m_token) {
     case Tokenizer::Minus:
         if (Next() == Tokenizer::Number) {
-            PushOperand(new NumNode(-m_tokenizer.GetNumber()), location);
+            PushOperand(MakeNode<NumNode>(-m_tokenizer.GetNumber()), location);
             Next();
             m_expectOperand = false;
         } else {
@@ -256,30 +273,31 @@ bool ExpressionParserCompile::Builder::ExpectOperand() {
         Next();
         return true;
     case Tokenizer::Number:
-        PushOperand(new NumNode(m_tokenizer.GetNumber()), location);
+        PushOperand(MakeNode<NumNode>(m_tokenizer.GetNumber()), location);
         Next();
         m_expectOperand = false;
         return true;
     case Tokenizer::StringLiteral:
-        PushOperand(new StringNode(CopyStringLiteral().c_str()), location);
+        PushOperand(MakeNode<StringNode>(CopyStringLiteral().c_str()), location);
         Next();
         m_expectOperand = false;
         return true;
     case Tokenizer::SymbolName: {
         const std::string& name = CopySymbolName();
         if (Next() != Tokenizer::LeftParen) {
-            PushOperand(new VarNode(name.c_str(), name.size()), location);
+            PushOperand(MakeNode<VarNode>(name.c_str(), name.size()), location);
             m_expectOperand = false;
             return true;
         }
-        auto* call = new FunNode(name.c_str(), name.size());
+        std::unique_ptr<FunNode> call = MakeNode<FunNode>(name.c_str(), name.size());
         call->SetInputBuffLocation(location);
         if (Next() == Tokenizer::RightParen) {
-            m_operands.push_back(call);
+            m_operands.push_back(std::move(call));
             Next();
             m_expectOperand = false;
         } else {
-            Push(kCall, location, {}, call);
+            Push(kCall, location, {}, call.get());
+            call.release(); // freed with the pending entry
         }
         return true;
     }
@@ -297,7 +315,7 @@ bool ExpressionParserCompile::Builder::ExpectOperand() {
             Fail(PNS_RIGHT_PAREN_MISSING);
             return false;
         }
-        PushOperand(new AliasNode(name.c_str(), name.size()), location);
+        PushOperand(MakeNode<AliasNode>(name.c_str(), name.size()), location);
         Next();
         m_expectOperand = false;
         return true;
@@ -325,7 +343,7 @@ bool ExpressionParserCompile::Builder::AfterOperand(bool& done) {
             Push(kAssign, m_tokenizer.GetInputLineLocation());
         } else {
             Record(PNS_NOT_LVALUE);
-            delete PopOperand();
+            PopOperand(); // and freed
             Push(kAssignDropped, m_tokenizer.GetInputLineLocation());
         }
         Next();
@@ -353,15 +371,17 @@ bool ExpressionParserCompile::Builder::AfterOperand(bool& done) {
     }
     // An open call: the operand is its next argument.
     FunNode* call = open.call;
-    call->AppendLeafNode(PopOperand());
+    NodePtr argument = PopOperand();
+    call->AppendLeafNode(argument.get());
+    argument.release();
     if (m_token == Tokenizer::Comma) {
         Next();
         m_expectOperand = true;
         return true;
     }
     if (m_token == Tokenizer::RightParen) {
+        m_operands.push_back(NodePtr(call));
         m_pending.pop_back();
-        m_operands.push_back(call);
         Next();
         return true;
     }
@@ -381,7 +401,7 @@ ExpressParseNode* ExpressionParserCompile::Builder::Run(ParseNodeStatus& status,
         return Salvage();
     if (m_operands.size() != 1)
         return nullptr;
-    return PopOperand();
+    return PopOperand().release();
 }
 
 ExpressParseNode* ExpressionParserCompile::Builder::Salvage() {
@@ -401,11 +421,16 @@ ExpressParseNode* ExpressionParserCompile::Builder::Salvage() {
             if (complete)
                 BuildPrefix(top);
             break;
-        case kCall:
-            if (complete)
-                top.call->AppendLeafNode(PopOperand());
-            m_operands.push_back(top.call);
+        case kCall: {
+            NodePtr call(top.call);
+            if (complete) {
+                NodePtr argument = PopOperand();
+                top.call->AppendLeafNode(argument.get());
+                argument.release();
+            }
+            m_operands.push_back(std::move(call));
             break;
+        }
         case kParen:
         case kAssignDropped:
             break;
@@ -413,7 +438,7 @@ ExpressParseNode* ExpressionParserCompile::Builder::Salvage() {
     }
     if (m_operands.size() != 1)
         return nullptr;
-    return PopOperand();
+    return PopOperand().release();
 }
 
 ExpressionParserCompile::ExpressionParserCompile(Tokenizer* tokenizer)
@@ -430,9 +455,14 @@ ParseNodeStatus ExpressionParserCompile::Parse(const char* text) {
     ParseNodeStatus status = PNS_SUCCESS;
     long location = 0;
     ExpressParseNode* root = nullptr;
-    {
+    try {
         Builder builder(*m_pTokenizer);
         root = builder.Run(status, location);
+    } catch (const std::bad_alloc&) {
+        // The builder has freed whatever it had built.
+        root = nullptr;
+        status = PNS_OUT_OF_MEMORY;
+        location = m_pTokenizer->GetInputLineLocation();
     }
     SetExpressionNode(root);
     if (status != PNS_SUCCESS)

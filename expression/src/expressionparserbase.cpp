@@ -126,6 +126,9 @@ ParseNodeStatus ExpressionParserExecute::Execute(Variant& result,
     const NodeVariantData& value = root->Calc(symbols);
     m_status = value.GetErrorStatus();
     result = static_cast<Variant>(value);
+    // A text the result cannot hold (no memory for its copy) leaves it empty.
+    if (value.GetDataType() == NVDT_STRING && result.GetData().vt == UTIL_VT_EMPTY)
+        m_status = PNS_OUT_OF_MEMORY;
     return m_status;
 }
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <new>
 
+#include "Util/MemoryManager.h"
 #include "Util/Variant.h"
 #include "expression/src/noderules.h"
 
@@ -104,7 +105,8 @@ char* NodeVariantData::Reserve(std::size_t length) {
     // that fits it, so it is kept (with its capacity) until a longer text comes.
     const bool fits = m_pString == m_inline ? length + 1 < kInlineSize : length + 1 <= m_capacity;
     if (!fits) {
-        char* block = new (std::nothrow) char[length + 1];
+        char* block =
+            Detail::ShouldFailAllocation() ? nullptr : new (std::nothrow) char[length + 1];
         if (block == nullptr)
             return nullptr;
         ReleaseHeap();
@@ -114,19 +116,20 @@ char* NodeVariantData::Reserve(std::size_t length) {
     return m_pString;
 }
 
-void NodeVariantData::AssignString(const char* text, std::size_t length) {
+bool NodeVariantData::AssignString(const char* text, std::size_t length) {
     m_type = NVDT_STRING;
     m_actualKnown = false;
     m_long = 0;
     m_double = 0.0;
     if (length >= UINT32_MAX || Reserve(length) == nullptr) {
         SetOutOfMemory();
-        return;
+        return false;
     }
     if (length != 0)
         std::memmove(m_pString, text, length);
     m_pString[length] = '\0';
     m_length = static_cast<std::uint32_t>(length);
+    return true;
 }
 
 void NodeVariantData::SetText(const char* a, const char* b, const char* c, ParseNodeStatus status) {
@@ -164,7 +167,8 @@ NodeVariantData& NodeVariantData::operator=(const NodeVariantData& other) {
         return *this;
     m_status = other.m_status;
     if (other.m_type == NVDT_STRING) {
-        AssignString(other.m_pString, other.m_length);
+        if (!AssignString(other.m_pString, other.m_length))
+            return *this; // the copy is the out-of-memory error value
         m_actualType = other.m_actualType;
         m_actualKnown = other.m_actualKnown;
         m_status = other.m_status;
@@ -404,7 +408,7 @@ bool NodeVariantData::AppendTaking(NodeVariantData& left, const NodeVariantData&
         std::size_t capacity = std::size_t(left.m_capacity) * 2;
         if (capacity < length + 1 || capacity >= UINT32_MAX)
             capacity = length + 1;
-        char* block = new (std::nothrow) char[capacity];
+        char* block = Detail::ShouldFailAllocation() ? nullptr : new (std::nothrow) char[capacity];
         if (block == nullptr) {
             SetOutOfMemory();
             return true;

@@ -207,8 +207,15 @@ void ParseTreeEngine::FinishCall(FunNode* node, const NodeVariantData* const* ar
     }
     std::vector<Variant> variants;
     variants.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         variants.push_back(static_cast<Variant>(*arguments[i]));
+        // A text argument the Variant cannot hold (no memory for its copy) comes out empty.
+        if (arguments[i]->GetDataType() == NVDT_STRING &&
+            variants.back().GetData().vt == UTIL_VT_EMPTY) {
+            value.SetOutOfMemory();
+            return;
+        }
+    }
     // A table that says no without saying why reports an undefined symbol.
     ParseNodeStatus status = PNS_UNDEFINED_SYMBOL;
     Variant result;

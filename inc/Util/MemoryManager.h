@@ -28,4 +28,22 @@ public:
 
 ZTUTIL_API IMemoryManager& GetMemoryManager();
 
+// Test hook, not for applications: allocation-failure injection. After
+// SetAllocationFailureCountdown(n), the nth allocation from then on fails as if the system had
+// no memory left, once; 0 switches the injection off (the state at start). The allocation points
+// that count are the memory manager's Allocate, new entries of the status pool, the texts of
+// expression values, the expression parser's nodes, the blocks of a BlockStringCache and the
+// buffers of a Base64Coder. Each fails in its documented way: a null block, std::bad_alloc from
+// a status that cannot get a pool entry, PNS_OUT_OF_MEMORY from a parse or an evaluation,
+// AllocFailed from the string cache, an empty Base64 result. AllocationFailureInjected tells
+// whether the countdown has fired since it was last set. The countdown is process-wide: tests
+// that use it run one thread at a time.
+ZTUTIL_API void SetAllocationFailureCountdown(std::size_t n);
+ZTUTIL_API bool AllocationFailureInjected();
+
+namespace Detail {
+// Called by the allocation points above: true when this allocation is the one to fail.
+ZTUTIL_API bool ShouldFailAllocation();
+} // namespace Detail
+
 } // namespace Util

@@ -141,8 +141,8 @@ private:
         m_pString[0] = '\0';
         m_length = 0;
     }
-    void AssignString(const char* text, std::size_t length);
-    char* Reserve(std::size_t length); // room for length + 1, keeps nothing
+    bool AssignString(const char* text, std::size_t length); // false: out of memory
+    char* Reserve(std::size_t length);                       // room for length + 1, keeps nothing
     void ReleaseHeap() noexcept;
     void SetOutOfMemory() noexcept;
     // this = left + right for texts, reusing left's heap block (left is emptied); false, and
