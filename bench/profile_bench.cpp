@@ -53,8 +53,8 @@ void BM_Ours_GetValue(benchmark::State& state) {
     const std::string file = MakeFile();
     char buffer[256];
     for (auto _ : state) {
-        DWORD n = Util::Win32::GetPrivateProfileStringA("section19", "key49", "", buffer,
-                                                        sizeof buffer, file.c_str());
+        Util::Win32::DWORD n = Util::Win32::GetPrivateProfileStringA(
+            "section19", "key49", "", buffer, sizeof buffer, file.c_str());
         benchmark::DoNotOptimize(n);
     }
 }

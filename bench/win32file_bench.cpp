@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+using namespace Util::Win32; // HANDLE, WIN32_FIND_DATAA and friends
+
 namespace {
 
 const std::vector<std::string>& Names() {

@@ -48,11 +48,11 @@ std::string ReadBytes(const std::string& path) {
 }
 
 // The names of a double-null list of at most size characters.
-std::vector<std::string> SplitList(const char* buffer, DWORD length) {
+std::vector<std::string> SplitList(const char* buffer, W::DWORD length) {
     std::vector<std::string> names;
-    for (DWORD at = 0; at < length;) {
+    for (W::DWORD at = 0; at < length;) {
         names.emplace_back(buffer + at);
-        at += static_cast<DWORD>(names.back().size()) + 1;
+        at += static_cast<W::DWORD>(names.back().size()) + 1;
     }
     return names;
 }
@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     WriteBytes(path, data, size);
 
     static char buffer[8192];
-    DWORD n = W::GetPrivateProfileSectionNamesA(buffer, sizeof buffer, file);
+    W::DWORD n = W::GetPrivateProfileSectionNamesA(buffer, sizeof buffer, file);
     if (n >= sizeof buffer || buffer[n] != '\0')
         __builtin_trap();
     const std::vector<std::string> sections = SplitList(buffer, n);
