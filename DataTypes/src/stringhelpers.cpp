@@ -1,14 +1,9 @@
 #include "Util/StringHelpers.h"
 
 #include <cstdint>
+#include <cstring>
 
 namespace Util {
-
-namespace {
-
-inline unsigned char Fold(unsigned char c) {
-    return (c >= 'A' && c <= 'Z') ? static_cast<unsigned char>(c - 'A' + 'a') : c;
-}
 
 void AppendUtf8(std::string& out, char32_t cp) {
     if (cp < 0x80) {
@@ -28,22 +23,14 @@ void AppendUtf8(std::string& out, char32_t cp) {
     }
 }
 
-} // namespace
-
 int CompareStrings(const char* a, const char* b, int caseSensitivity) {
     if (a == nullptr || b == nullptr)
         return -1;
-    const auto* x = reinterpret_cast<const unsigned char*>(a);
-    const auto* y = reinterpret_cast<const unsigned char*>(b);
-    bool withCase = caseSensitivity == CaseSensitive;
-    for (;; ++x, ++y) {
-        unsigned char cx = withCase ? *x : Fold(*x);
-        unsigned char cy = withCase ? *y : Fold(*y);
-        if (cx != cy)
-            return cx < cy ? -1 : 1;
-        if (cx == 0)
-            return 0;
+    if (caseSensitivity == CaseSensitive) {
+        const int order = std::strcmp(a, b); // compares as unsigned char
+        return (order > 0) - (order < 0);
     }
+    return CompareCaseBlind(a, std::strlen(a), b, std::strlen(b));
 }
 
 void TrimRight(std::string& text) {

@@ -28,10 +28,10 @@ ZtDecimal64 __bid64_fmod(ZtDecimal64, ZtDecimal64);
 #pragma clang diagnostic pop
 #endif
 
-ZtDecimal64 operator+(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+ZtDecimal64 ZtDecimal64Add(ZtDecimal64 lhs, ZtDecimal64 rhs) {
     return __bid64_add(lhs, rhs);
 }
-ZtDecimal64 operator-(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+ZtDecimal64 ZtDecimal64Subtract(ZtDecimal64 lhs, ZtDecimal64 rhs) {
     return __bid64_sub(lhs, rhs);
 }
 ZtDecimal64 operator*(ZtDecimal64 lhs, ZtDecimal64 rhs) {

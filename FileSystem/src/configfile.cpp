@@ -128,13 +128,14 @@ Util::Status ConfigFile::LoadFile(const char* fileName, const char* commentChars
 }
 
 ConfigFile::KeyMap& ConfigFile::Section(const char* section) {
-    return m_contents[Util::TString(section)];
+    auto found = m_contents.find(NameRef(section));
+    return found != m_contents.end() ? found->second : m_contents[Util::TString(section)];
 }
 
 Util::TString ConfigFile::GetStringValue(const char* section, const char* key,
                                          const char* defaultValue) {
     const KeyMap& keys = Section(section);
-    auto found = keys.find(Util::TString(key));
+    auto found = keys.find(NameRef(key));
     return found != keys.end() ? found->second : Util::TString(defaultValue);
 }
 

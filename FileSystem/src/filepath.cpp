@@ -2,6 +2,7 @@
 
 #include "FileSystem/src/filepath_platform.h"
 #include "Util/DiskDevice.h"
+#include "Util/FileAccReplace.h"
 #include "Util/OSVersion.h"
 #include "Util/OpsMacros.h"
 #include "Util/StringHelpers.h"
@@ -293,7 +294,9 @@ int FilePath::FindMatchingFiles(const char* pattern, std::vector<Util::TString>&
     Util::TString directory = last == std::string::npos ? Util::TString() : text.Left(last + 1);
     Util::ErrorStateGuard keepErrors;
     WIN32_FIND_DATAA entry;
-    HANDLE search = Util::Win32::FindFirstFileA(pattern, &entry);
+    // The traced find-first: the directory searched is the redirected one, the names returned
+    // keep the directory as the caller wrote it.
+    HANDLE search = ZtFindFirstFile(pattern, &entry);
     if (search == INVALID_HANDLE_VALUE)
         return 0;
     do {

@@ -2,6 +2,7 @@
 
 #include "Foundation/src/functorthreadpool.h"
 #include "Foundation/src/operationcompletion.h"
+#include "Util/FailureHook.h"
 #include "Util/Ops.h"
 #include "Util/OpsMacros.h"
 
@@ -9,7 +10,10 @@ namespace Util {
 
 // ---- the shared completion state ----
 
-AsynchronousOperation::Completion::Completion() : m_hEvent(AsyncPlatform::CreateAutoResetEvent()) {
+AsynchronousOperation::Completion::Completion()
+    : m_hEvent(FailureHook::Fails(FailureHook::kCreateEvent)
+                   ? nullptr
+                   : AsyncPlatform::CreateAutoResetEvent()) {
     if (m_hEvent == nullptr) {
         Ops::MessageFunctor(GetOps(), Ops::kLvlFatalError, Ops::kMessage, __FILE__, __LINE__,
                             "Util::AsynchronousOperation::AsynchronousOperation",

@@ -5,6 +5,7 @@
 #include "Util/Win32Types.h"
 
 #include <new>
+#include <thread>
 
 namespace Util {
 
@@ -17,6 +18,18 @@ std::shared_ptr<FunctorThreadPool>& TheInstance() {
 }
 
 constexpr long kDroppedStatus = -1;
+constexpr int kDefaultThreadCount = -2;
+
+// The threads a requested count stands for: 0 is the default of -2, and a negative count means
+// that many threads per processor.
+int ThreadsFor(int requested) {
+    if (requested == 0)
+        requested = kDefaultThreadCount;
+    if (requested > 0)
+        return requested;
+    const unsigned processors = std::thread::hardware_concurrency();
+    return -requested * static_cast<int>(processors > 0 ? processors : 1);
+}
 
 } // namespace
 
@@ -48,6 +61,7 @@ bool FunctorThreadPool::Create(const std::shared_ptr<FunctorThreadPool>& self) {
 
 bool FunctorThreadPool::SetNumThreads(int count, const std::shared_ptr<FunctorThreadPool>& self) {
     AsyncPlatform::Hold hold(m_lock);
+    count = ThreadsFor(count);
     while (m_numThreads < count) {
         auto* keep = new (std::nothrow) std::shared_ptr<FunctorThreadPool>(self);
         void* thread = keep != nullptr ? AsyncPlatform::StartThread(WorkerMain, keep) : nullptr;

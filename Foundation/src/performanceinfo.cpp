@@ -1,3 +1,4 @@
+#include "Util/FailureHook.h"
 #include "Util/Ops.h"
 #include "Util/OpsMacros.h"
 #include "Util/PTimer.h"
@@ -20,7 +21,9 @@ PerformanceInfo::~PerformanceInfo() = default;
 PerformanceInfo* PerformanceInfo::instance() {
     // Never destroyed: readings may be logged while the process shuts down.
     static PerformanceInfo* const gPerformanceInfo = [] {
-        PerformanceInfo* created = new (std::nothrow) PerformanceInfo();
+        PerformanceInfo* created = FailureHook::Fails(FailureHook::kPerformanceInfoInstance)
+                                       ? nullptr
+                                       : new (std::nothrow) PerformanceInfo();
         if (!GetOps().Verify(created != nullptr, "gPerformanceInfo", __FILE__, __LINE__,
                              "Util::PerformanceInfo::instance", ZT_FUNC_SIG)) {
             Ops::MessageFunctor(GetOps(), Ops::kLvlFatalError, Ops::kMessage, __FILE__, __LINE__,

@@ -1,3 +1,4 @@
+#include "Util/FailureHook.h"
 #include "Util/Ops.h"
 #include "Util/OpsMacros.h"
 #include "Util/PTimer.h"
@@ -15,7 +16,9 @@ PerformanceInfoHP::~PerformanceInfoHP() = default;
 PerformanceInfoHP* PerformanceInfoHP::instance() {
     // Never destroyed: readings may be logged while the process shuts down.
     static PerformanceInfoHP* const gPerformanceInfoHP = [] {
-        PerformanceInfoHP* created = new (std::nothrow) PerformanceInfoHP();
+        PerformanceInfoHP* created = FailureHook::Fails(FailureHook::kPerformanceInfoHPInstance)
+                                         ? nullptr
+                                         : new (std::nothrow) PerformanceInfoHP();
         if (!GetOps().Verify(created != nullptr, "gPerformanceInfoHP", __FILE__, __LINE__,
                              "Util::PerformanceInfoHP::instance", ZT_FUNC_SIG)) {
             Ops::MessageFunctor(GetOps(), Ops::kLvlFatalError, Ops::kMessage, __FILE__, __LINE__,

@@ -33,16 +33,17 @@ int FailFromPath(int posixError, const std::string& path) {
 
 // Windows' fopen mode, checked and rewritten for glibc. False for a mode Windows rejects.
 struct StreamMode {
-    std::string native;
+    char native[5] = {}; // the access letter, '+', 'x', then 'e' (close on exec)
     bool writes = false;
+    bool truncates = false;
     bool deleteOnClose = false;
 };
 
 bool ParseMode(const char* mode, StreamMode& parsed) {
     if (mode == nullptr || (mode[0] != 'r' && mode[0] != 'w' && mode[0] != 'a'))
         return false;
-    parsed.native = mode[0];
     parsed.writes = mode[0] != 'r';
+    parsed.truncates = mode[0] == 'w';
     bool plus = false, exclusive = false, text = false, binary = false;
     for (const char* c = mode + 1; *c && *c != ','; ++c) {
         switch (*c) {
@@ -77,26 +78,34 @@ bool ParseMode(const char* mode, StreamMode& parsed) {
             return false;
         }
     }
+    char* out = parsed.native;
+    *out++ = mode[0];
     if (plus) {
-        parsed.native += '+';
+        *out++ = '+';
         parsed.writes = true;
     }
     if (exclusive)
-        parsed.native += 'x';
-    parsed.native += 'e';
+        *out++ = 'x';
+    *out = 'e';
     return true;
 }
 
-// What Windows refuses before it opens a file: a directory, or a read-only file for writing.
-int RefuseBeforeOpen(const std::string& path, bool writes) {
-    struct stat info;
-    if (::stat(path.c_str(), &info) != 0)
-        return 0;
-    if (S_ISDIR(info.st_mode) || (writes && IsReadOnly(info)))
-        return EACCES;
-    return 0;
+// What Windows refuses to open as a stream: a directory, or a read-only file for writing.
+bool Refused(const struct stat& info, bool writes) {
+    return S_ISDIR(info.st_mode) || (writes && IsReadOnly(info));
 }
 
+// The name as glibc wants it; copied only when it has '\' separators.
+const char* NativeName(const char* name, std::string& storage) {
+    if (std::strchr(name, '\\') == nullptr)
+        return name;
+    storage = NativePath(name);
+    return storage.c_str();
+}
+
+// A truncating mode is checked by name before the open, since opening would already destroy the
+// read-only file. Every other mode is checked on the open stream: no second lookup of the name,
+// and the file checked is the file opened.
 FILE* OpenStream(const char* fileName, const char* mode, FILE* reopen, bool isReopen) {
     StreamMode parsed;
     if (fileName == nullptr || fileName[0] == '\0' || !ParseMode(mode, parsed) ||
@@ -104,24 +113,34 @@ FILE* OpenStream(const char* fileName, const char* mode, FILE* reopen, bool isRe
         FailErrno(EINVAL, ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    const std::string path = NativePath(fileName);
-    if (RefuseBeforeOpen(path, parsed.writes) != 0) {
+    std::string storage;
+    const char* path = NativeName(fileName, storage);
+    struct stat info;
+    if (parsed.truncates && ::stat(path, &info) == 0 && Refused(info, true)) {
         if (isReopen)
             std::fclose(reopen);
         FailErrno(EACCES, ERROR_ACCESS_DENIED);
         return nullptr;
     }
-    FILE* stream = isReopen ? std::freopen(path.c_str(), parsed.native.c_str(), reopen)
-                            : std::fopen(path.c_str(), parsed.native.c_str());
+    FILE* stream =
+        isReopen ? std::freopen(path, parsed.native, reopen) : std::fopen(path, parsed.native);
     if (stream == nullptr) {
         if (errno == EEXIST)
             FailErrno(EEXIST, ERROR_FILE_EXISTS);
+        else if (errno == EISDIR)
+            FailErrno(EACCES, ERROR_ACCESS_DENIED);
         else
             FailFromPath(errno, path);
         return nullptr;
     }
+    if (!parsed.truncates && ::fstat(::fileno(stream), &info) == 0 &&
+        Refused(info, parsed.writes)) {
+        std::fclose(stream);
+        FailErrno(EACCES, ERROR_ACCESS_DENIED);
+        return nullptr;
+    }
     if (parsed.deleteOnClose)
-        ::unlink(path.c_str());
+        ::unlink(path);
     return stream;
 }
 

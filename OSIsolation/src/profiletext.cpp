@@ -1,5 +1,7 @@
 #include "profiletext.h"
 
+#include "Util/StringHelpers.h"
+
 #include <cstdint>
 #include <string_view>
 
@@ -78,25 +80,6 @@ Parsed Classify(std::string_view text) {
     return p;
 }
 
-void AppendUtf8(std::string& out, std::uint32_t cp) {
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        // Lone surrogates are kept this way too, so that they are written back unchanged.
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-}
-
 std::string Utf16ToUtf8(const std::string& bytes, std::size_t from, std::size_t to) {
     std::string out;
     out.reserve((to - from) / 2 * 3 / 2);
@@ -109,12 +92,12 @@ std::string Utf16ToUtf8(const std::string& bytes, std::size_t from, std::size_t 
         if (u >= 0xD800 && u < 0xDC00 && i + 3 < to) {
             std::uint32_t low = unit(i + 2);
             if (low >= 0xDC00 && low < 0xE000) {
-                AppendUtf8(out, 0x10000 + ((u - 0xD800) << 10) + (low - 0xDC00));
+                Util::AppendUtf8(out, 0x10000 + ((u - 0xD800) << 10) + (low - 0xDC00));
                 i += 2;
                 continue;
             }
         }
-        AppendUtf8(out, u);
+        Util::AppendUtf8(out, u);
     }
     return out;
 }

@@ -90,13 +90,17 @@ private:
         m_rules = std::make_shared<const Rules>(std::move(rules));
     }
 
+    // Every wrapper asks, so the loaded case is one atomic load rather than a call_once.
     void EnsureLoaded() {
+        if (m_ready.load(std::memory_order_acquire))
+            return;
         std::call_once(m_loaded, [this] {
             // The first caller may be a wrapper whose caller reads errno afterwards.
             ErrorStateGuard errorState;
             const TString path = RedirectSource::DefaultIniPath();
             if (!path.IsEmpty())
                 Store(ReadRules(path.c_str()));
+            m_ready.store(true, std::memory_order_release);
         });
     }
 
@@ -108,6 +112,7 @@ private:
     std::mutex m_mutex;
     std::shared_ptr<const Rules> m_rules;
     std::atomic<bool> m_hasRules{false};
+    std::atomic<bool> m_ready{false};
 };
 
 bool IsValid(const ReDirectFile::Rule& rule) {

@@ -29,6 +29,7 @@
 #include "Util/StringHelpers.h"
 #include "Util/TString.h"
 
+#include <cstring>
 #include <map>
 #include <vector>
 
@@ -36,9 +37,24 @@ namespace FileSystem {
 
 class ZTUTIL_API ConfigFile {
 public:
+    // A looked-up name, so that a lookup by a plain text builds no TString.
+    struct NameRef {
+        explicit NameRef(const char* name)
+            : text(name != nullptr ? name : ""), length(std::strlen(text)) {}
+        const char* text;
+        std::size_t length;
+    };
+    // Util::CompareStrings' case-blind order.
     struct NameLess {
+        using is_transparent = void;
         bool operator()(const Util::TString& a, const Util::TString& b) const {
-            return Util::CompareStrings(a, b, Util::CaseInsensitive) < 0;
+            return Util::CompareCaseBlind(a.c_str(), a.GetLength(), b.c_str(), b.GetLength()) < 0;
+        }
+        bool operator()(const Util::TString& a, const NameRef& b) const {
+            return Util::CompareCaseBlind(a.c_str(), a.GetLength(), b.text, b.length) < 0;
+        }
+        bool operator()(const NameRef& a, const Util::TString& b) const {
+            return Util::CompareCaseBlind(a.text, a.length, b.c_str(), b.GetLength()) < 0;
         }
     };
     typedef std::map<Util::TString, Util::TString, NameLess> KeyMap;

@@ -102,13 +102,17 @@ struct FILETIME {
     DWORD dwHighDateTime;
 };
 
+// The fields a find-first entry shares, in the same order, with WIN32_FILE_ATTRIBUTE_DATA.
+#define ZT_WIN32_FILE_INFO_FIELDS                                                                  \
+    DWORD dwFileAttributes;                                                                        \
+    FILETIME ftCreationTime;                                                                       \
+    FILETIME ftLastAccessTime;                                                                     \
+    FILETIME ftLastWriteTime;                                                                      \
+    DWORD nFileSizeHigh;                                                                           \
+    DWORD nFileSizeLow
+
 struct WIN32_FIND_DATAA {
-    DWORD dwFileAttributes;
-    FILETIME ftCreationTime;
-    FILETIME ftLastAccessTime;
-    FILETIME ftLastWriteTime;
-    DWORD nFileSizeHigh;
-    DWORD nFileSizeLow;
+    ZT_WIN32_FILE_INFO_FIELDS;
     DWORD dwReserved0;
     DWORD dwReserved1;
     CHAR cFileName[MAX_PATH];

@@ -90,9 +90,8 @@ public:
     static ZtDecimal64 FMA(const ZtDecimal64& a, const ZtDecimal64& b, const ZtDecimal64& c);
 
     // Arithmetic and quiet comparison are free functions (below) taking values: a ZtDecimal64
-    // travels in a register, so each is a single jump into the library.
-    friend ZTUTIL_API ZtDecimal64 operator+(ZtDecimal64 lhs, ZtDecimal64 rhs);
-    friend ZTUTIL_API ZtDecimal64 operator-(ZtDecimal64 lhs, ZtDecimal64 rhs);
+    // travels in a register, so each is a single jump into the library (+ and - first try the
+    // exact inline case of two numbers with the same exponent).
     friend ZTUTIL_API ZtDecimal64 operator*(ZtDecimal64 lhs, ZtDecimal64 rhs);
     friend ZTUTIL_API ZtDecimal64 operator/(ZtDecimal64 lhs, ZtDecimal64 rhs);
     friend ZTUTIL_API ZtDecimal64 operator%(ZtDecimal64 lhs, ZtDecimal64 rhs);
@@ -122,8 +121,62 @@ private:
 static_assert(sizeof(ZtDecimal64) == 8, "ZtDecimal64 is one 64-bit word");
 
 // Arithmetic, rounded to 16 digits. % is the truncating remainder (sign of the dividend).
-ZTUTIL_API ZtDecimal64 operator+(ZtDecimal64 lhs, ZtDecimal64 rhs);
-ZTUTIL_API ZtDecimal64 operator-(ZtDecimal64 lhs, ZtDecimal64 rhs);
+// ZtDecimal64Add and ZtDecimal64Subtract are the library's addition and subtraction; the
+// operators + and - call them unless the inline case below gives the same result.
+ZTUTIL_API ZtDecimal64 ZtDecimal64Add(ZtDecimal64 lhs, ZtDecimal64 rhs);
+ZTUTIL_API ZtDecimal64 ZtDecimal64Subtract(ZtDecimal64 lhs, ZtDecimal64 rhs);
+
+namespace ZtDecimal64Inline {
+
+constexpr uint64_t kSignBit = 1ULL << 63;
+constexpr uint64_t kLongForm = 3ULL << 61; // both set: a long coefficient, infinity or NaN
+constexpr uint64_t kExponentBits = 0x3FFULL << 53;
+constexpr uint64_t kShortCoefficient = (1ULL << 53) - 1;
+
+// The sum of two numbers (BID bits) that both have the short encoding and the same exponent:
+// exact, with that exponent and no status flag, as the library computes it. False (and the
+// library decides) when the sum needs the long encoding or is a zero from opposite signs, whose
+// sign depends on the rounding mode.
+inline bool AddSameExponent(uint64_t a, uint64_t b, uint64_t& sum) {
+    if ((a & kLongForm) == kLongForm || (b & kLongForm) == kLongForm ||
+        ((a ^ b) & kExponentBits) != 0)
+        return false;
+    const uint64_t ca = a & kShortCoefficient;
+    const uint64_t cb = b & kShortCoefficient;
+    if (((a ^ b) & kSignBit) == 0) {
+        if (ca + cb > kShortCoefficient)
+            return false;
+        sum = (a & ~kShortCoefficient) | (ca + cb);
+        return true;
+    }
+    if (ca == cb)
+        return false;
+    sum = ca > cb ? (a & ~kShortCoefficient) | (ca - cb) : (b & ~kShortCoefficient) | (cb - ca);
+    return true;
+}
+
+} // namespace ZtDecimal64Inline
+
+inline ZtDecimal64 operator+(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    uint64_t bits;
+    if (!ZtDecimal64Inline::AddSameExponent(lhs.GetInternalToUInt64(), rhs.GetInternalToUInt64(),
+                                            bits))
+        return ZtDecimal64Add(lhs, rhs);
+    ZtDecimal64 sum(ZtDecimal64::NoInit);
+    sum.SetInternallFromUInt64(bits);
+    return sum;
+}
+
+inline ZtDecimal64 operator-(ZtDecimal64 lhs, ZtDecimal64 rhs) {
+    uint64_t bits;
+    if (!ZtDecimal64Inline::AddSameExponent(lhs.GetInternalToUInt64(),
+                                            rhs.GetInternalToUInt64() ^ ZtDecimal64Inline::kSignBit,
+                                            bits))
+        return ZtDecimal64Subtract(lhs, rhs);
+    ZtDecimal64 difference(ZtDecimal64::NoInit);
+    difference.SetInternallFromUInt64(bits);
+    return difference;
+}
 ZTUTIL_API ZtDecimal64 operator*(ZtDecimal64 lhs, ZtDecimal64 rhs);
 ZTUTIL_API ZtDecimal64 operator/(ZtDecimal64 lhs, ZtDecimal64 rhs);
 ZTUTIL_API ZtDecimal64 operator%(ZtDecimal64 lhs, ZtDecimal64 rhs);

@@ -154,6 +154,32 @@ TEST_F(Durability, FullDiskFailsTheWriteAndKeepsTheOldFile) {
         << "only the repository and its lock file";
 }
 
+// A directory the writer may not change: the child gives up root first (root ignores
+// permission bits), so the directory's mode is what stops the temporary file. The repository and
+// its lock file stay writable, so that nothing but the directory is in the way.
+TEST_F(Durability, ReadOnlyDirectoryFailsTheWriteAndKeepsTheOldFile) {
+    ASSERT_TRUE(Set("ZTW.INI", "S", "K", "old"));
+    const std::string before = ReadFile("ZTW.INI.XML");
+    for (const auto& entry : std::filesystem::directory_iterator(m_dir))
+        std::filesystem::permissions(entry.path(), std::filesystem::perms(0666));
+    std::filesystem::permissions(m_dir, std::filesystem::perms(0555));
+    pid_t child = Spawn([] {
+        constexpr uid_t kNobody = 65534;
+        if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))
+            return 2;
+        return Set("ZTW.INI", "S", "K", "new") ? 1 : 0;
+    });
+    const int result = WaitFor(child);
+    std::filesystem::permissions(m_dir, std::filesystem::perms(0755));
+    EXPECT_EQ(result, 0) << "the write should have failed (2: could not give up root)";
+    EXPECT_EQ(ReadFile("ZTW.INI.XML"), before);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_dir),
+                            std::filesystem::directory_iterator()),
+              2)
+        << "only the repository and its lock file";
+    EXPECT_EQ(Get("ZTW.INI", "S", "K"), "old");
+}
+
 class Corrupt : public SettingsDir {
 protected:
     void SetUp() override {

@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Util/ZtDecimal64.h"
 
@@ -212,4 +215,45 @@ TEST(ZtDecimal64Constants, MaxAndMinAreTheLargestDollarAmounts) {
     EXPECT_TRUE(ZtDecimal64::GetMax() == ZtDecimal64("9999999999999.990"));
     EXPECT_TRUE(ZtDecimal64::GetMin() == -ZtDecimal64::GetMax());
     EXPECT_EQ(&ZtDecimal64::GetMax(), &ZtDecimal64::GetMax());
+}
+
+// + and - work out two numbers of the same exponent inline; whatever they do must be bit for bit
+// what the library computes.
+TEST(ZtDecimal64Arith, InlineSumsAndDifferencesAreTheLibrarys) {
+    std::vector<std::pair<ZtDecimal64, ZtDecimal64>> pairs;
+    const char* const texts[][2] = {{"123.45", "-123.45"},
+                                    {"-0", "-0"},
+                                    {"0", "-0"},
+                                    {"-0", "0"},
+                                    {"1.5", "2.25"},
+                                    {"9007199254740991", "1"},
+                                    {"9007199254740990", "1"},
+                                    {"-9007199254740991", "-1"},
+                                    {"9999999999999999", "1"},
+                                    {"1E+10", "2E+10"},
+                                    {"NaN", "1"},
+                                    {"1", "-Infinity"},
+                                    {"0.01", "-0.02"},
+                                    {"-5.00", "5.00"},
+                                    {"1E-398", "1E-398"},
+                                    {"9.999999999999999E+384", "1E+369"}};
+    for (const auto& text : texts)
+        pairs.emplace_back(ZtDecimal64(text[0]), ZtDecimal64(text[1]));
+    std::mt19937_64 random(15);
+    for (int i = 0; i < 4000; ++i) {
+        ZtDecimal64 a(ZtDecimal64::NoInit), b(ZtDecimal64::NoInit);
+        const uint64_t exponent = static_cast<uint64_t>(398 - 2 + i % 3) << 53; // mostly equal
+        const uint64_t limit = i % 2 ? (1ULL << 53) : 100000000000ULL;
+        a.SetInternallFromUInt64((random() & (1ULL << 63)) | exponent | random() % limit);
+        b.SetInternallFromUInt64((random() & (1ULL << 63)) |
+                                 (static_cast<uint64_t>(398 - 2) << 53) | random() % limit);
+        pairs.emplace_back(a, b);
+    }
+    for (const auto& pair : pairs) {
+        const ZtDecimal64 a = pair.first, b = pair.second;
+        ASSERT_EQ((a + b).GetInternalToUInt64(), ZtDecimal64Add(a, b).GetInternalToUInt64())
+            << a.GetStringValue().c_str() << " + " << b.GetStringValue().c_str();
+        ASSERT_EQ((a - b).GetInternalToUInt64(), ZtDecimal64Subtract(a, b).GetInternalToUInt64())
+            << a.GetStringValue().c_str() << " - " << b.GetStringValue().c_str();
+    }
 }

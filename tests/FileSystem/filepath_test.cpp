@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Util/FilePath.h"
+#include "Util/ReDirectFile.h"
 #include "Util/Win32Volume.h"
 #include "tests/FileSystem/fs_test_support.h"
 #include "tests/test_platform.h"
@@ -211,6 +212,25 @@ TEST(FilePath, FindMatchingFilesListsEveryEntry) {
     EXPECT_EQ(FilePath::FindMatchingFiles((prefix + "*.none").c_str(), files), 0);
     EXPECT_EQ(FilePath::FindMatchingFiles("", files), 0);
     EXPECT_TRUE(files.empty());
+}
+
+// The search runs in the directory a redirection rule names; the names keep the directory the
+// caller asked for.
+TEST(FilePath, FindMatchingFilesSearchesTheRedirectedDirectory) {
+    FsTest::TempDir dir;
+    std::filesystem::create_directory(dir.File("real"));
+    dir.Write("real/ledger.dat", "");
+    dir.Write("real/notes.txt", "");
+    struct RuleGuard {
+        ~RuleGuard() { Util::ReDirectFile::ClearRules(); }
+    } guard;
+    ASSERT_TRUE(
+        Util::ReDirectFile::SetRules({{dir.File("asked").c_str(), dir.File("real").c_str()}})
+            .Succeeded());
+    std::vector<Util::TString> files;
+    const std::string prefix = dir.File("asked") + "/";
+    ASSERT_EQ(FilePath::FindMatchingFiles((prefix + "*.dat").c_str(), files), 1);
+    EXPECT_EQ(std::string(files[0].c_str()), prefix + "ledger.dat");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "Util/AsynchronousOperation.h"
+#include "Util/FailureHook.h"
 #include "tests/Foundation/async_test_platform.h"
 #include "tests/OperationsManager/ops_test_support.h"
 
@@ -225,6 +226,24 @@ TEST_F(AsyncReports, ARequestThatCannotBeQueuedRaisesTheVerificationAndGivesMinu
     ASSERT_EQ(events->Count(), 1u);
     EXPECT_EQ(events->Events()[0].text,
               "(FunctorThreadPool::getInstance()->QueueRequest(command) != FALSE) is false");
+}
+
+// Without its event the operation still completes: it looks for the result once per interval.
+TEST_F(AsyncReports, AnEventThatCannotBeCreatedRaisesTheFatalMessageAndTheOperationPolls) {
+    auto events = OpsTest::Subscribe();
+    Util::FailureHook::FailNext(Util::FailureHook::kCreateEvent);
+    Operation operation(5);
+    Util::FailureHook::FailNext(Util::FailureHook::kCreateEvent, 0);
+    std::vector<OpsTest::Captured> fatal;
+    for (const auto& event : events->Events())
+        if (event.level == Util::Ops::kLvlFatalError)
+            fatal.push_back(event);
+    ASSERT_EQ(fatal.size(), 1u);
+    EXPECT_EQ(fatal[0].type, Util::Ops::kMessage);
+    EXPECT_EQ(fatal[0].text, "CreateEvent failed, system unstable.  Terminating.");
+    Callback keepWaiting([](int) { return 0L; });
+    EXPECT_EQ(operation.Run([](Command&) { return 7L; }, &keepWaiting), 7);
+    Drain();
 }
 
 TEST_F(AsyncOperations, ShutdownPastTheTimeOutReleasesCallersAndTheNextUseGetsANewWorker) {

@@ -1,3 +1,4 @@
+#include "Util/FailureHook.h"
 #include "Util/PTimer.h"
 #include "Util/ProcessInfo.h"
 #include "Util/Win32Time.h"
@@ -162,4 +163,49 @@ TEST_F(TimingReports, TimerReportsAtDestructionOnlyWhenSwitchedOn) {
     EXPECT_EQ(messages[3].text, "\n");
     for (const auto& m : messages)
         EXPECT_EQ(m.level, Util::Ops::kLvlInfoDetail);
+}
+
+namespace {
+
+// In a fresh process (the singletons are made once per process): the allocation fails, the
+// verification on the singleton's name and the level-6 message are raised, and instance() gives
+// null from then on.
+template <class Timer>
+std::string SingletonFailureReports(Util::FailureHook::Point point, const std::string& name) {
+    OpsTest::TempDir dir;
+    OpsTest::TestContext context(dir.Path());
+    Util::GetOps().GetSubscriptionManager().RemoveAllSubscriptions();
+    Util::GetOps().BeginOperations(&context);
+    auto events = OpsTest::Subscribe();
+    Util::FailureHook::FailNext(point);
+    if (Timer::instance() != nullptr || Timer::instance() != nullptr)
+        return "instance() is not null";
+    std::string seen;
+    for (const auto& e : events->Events())
+        if (e.type == Util::Ops::kVerify || e.level == Util::Ops::kLvlFatalError)
+            seen += std::to_string(e.type) + "/" + std::to_string(e.level) + " " + e.text + "\n";
+    const std::string expected =
+        std::to_string(Util::Ops::kVerify) + "/" + std::to_string(Util::Ops::kLvlNA) + " (g" +
+        name + ") is false\n" + std::to_string(Util::Ops::kMessage) + "/" +
+        std::to_string(Util::Ops::kLvlFatalError) + " Can't create the util::" + name +
+        "::instance.\n";
+    if (seen != expected)
+        return "events:\n" + seen + "expected:\n" + expected;
+    return "";
+}
+
+} // namespace
+
+TEST(TimerSingletons, PerformanceInfoThatCannotBeAllocatedIsReported) {
+    OPS_IN_FRESH_PROCESS([] {
+        return SingletonFailureReports<PerformanceInfo>(
+            Util::FailureHook::kPerformanceInfoInstance, "PerformanceInfo");
+    });
+}
+
+TEST(TimerSingletons, PerformanceInfoHPThatCannotBeAllocatedIsReported) {
+    OPS_IN_FRESH_PROCESS([] {
+        return SingletonFailureReports<PerformanceInfoHP>(
+            Util::FailureHook::kPerformanceInfoHPInstance, "PerformanceInfoHP");
+    });
 }

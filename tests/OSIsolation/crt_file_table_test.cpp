@@ -135,7 +135,10 @@ INSTANTIATE_TEST_SUITE_P(
                       StreamRow{"Missing", "missing.txt", "r", ENOENT, "<absent>"},
                       StreamRow{"ReadOnlyForWriting", "readonly.txt", "w", EACCES, "keep"},
                       StreamRow{"ReadOnlyForUpdate", "readonly.txt", "r+", EACCES, "keep"},
+                      StreamRow{"ReadOnlyForAppend", "readonly.txt", "a", EACCES, "keep"},
                       StreamRow{"Directory", "sub", "r", EACCES, nullptr},
+                      StreamRow{"DirectoryForUpdate", "sub", "r+", EACCES, nullptr},
+                      StreamRow{"BackslashSeparator", "sub\\inner.dat", "rb", 0, nullptr},
                       StreamRow{"UnknownMode", "file.txt", "q", EINVAL, "hello"}),
     RowName<StreamRow>);
 

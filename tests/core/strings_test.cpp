@@ -38,12 +38,25 @@ TEST(CompareStrings, CaseModesAndNulls) {
         int expected;
     };
     const Row rows[] = {
-        {"abc", "ABC", 1, 1},    {"abc", "ABC", 0, 0},
-        {"abc", "ABC", 2, 0},    {"a", "b", 1, -1},
-        {"b", "a", 0, 1},        {"ab", "abc", 0, -1},
-        {"", "", 1, 0},          {nullptr, "a", 1, -1},
-        {"a", nullptr, 0, -1},   {nullptr, nullptr, 0, -1},
-        {"Zeta", "alpha", 0, 1}, {"\xe9", "a", 1, 1},
+        {"abc", "ABC", 1, 1},
+        {"abc", "ABC", 0, 0},
+        {"abc", "ABC", 2, 0},
+        {"a", "b", 1, -1},
+        {"b", "a", 0, 1},
+        {"ab", "abc", 0, -1},
+        {"", "", 1, 0},
+        {nullptr, "a", 1, -1},
+        {"a", nullptr, 0, -1},
+        {nullptr, nullptr, 0, -1},
+        {"Zeta", "alpha", 0, 1},
+        {"\xe9", "a", 1, 1},
+        // past the first eight bytes, where whole words are compared
+        {"Ledger_Accounts_2024", "LEDGER_accounts_2025", 0, -1},
+        {"Ledger_Accounts_2024", "ledger_accounts_2024", 0, 0},
+        {"ledger_accounts_", "LEDGER_ACCOUNTS_x", 0, -1},
+        {"ledger_[", "ledger_A", 0, -1},
+        {"ledger_[", "ledger_A", 1, 1},
+        {"ledger_\xe9x", "LEDGER_ax", 0, 1},
     };
     for (const auto& r : rows)
         EXPECT_EQ(Util::CompareStrings(r.a, r.b, r.mode), r.expected)
