@@ -228,7 +228,9 @@ TEST(FilePath, FindMatchingFilesSearchesTheRedirectedDirectory) {
         Util::ReDirectFile::SetRules({{dir.File("asked").c_str(), dir.File("real").c_str()}})
             .Succeeded());
     std::vector<Util::TString> files;
-    const std::string prefix = dir.File("asked") + "/";
+    // The pattern's directory ends at a backslash on Windows.
+    const std::string prefix =
+        dir.File("asked") + std::string(1, std::filesystem::path::preferred_separator);
     ASSERT_EQ(FilePath::FindMatchingFiles((prefix + "*.dat").c_str(), files), 1);
     EXPECT_EQ(std::string(files[0].c_str()), prefix + "ledger.dat");
 }

@@ -36,6 +36,7 @@ inline const char* Reason() {
         {"Crt/Open.OpensOrRefuses/ReadOnlyTruncate", kReadOnlyAsRoot},
         {"Crt/Stream.OpensOrRefuses/ReadOnlyForWriting", kReadOnlyAsRoot},
         {"Crt/Stream.OpensOrRefuses/ReadOnlyForUpdate", kReadOnlyAsRoot},
+        {"Crt/Stream.OpensOrRefuses/ReadOnlyForAppend", kReadOnlyAsRoot},
         {"Win32Profile/ProfileTable.Behaves/CommentIsNoKey",
          "Wine reads a line starting with ';' as a key"},
         {"Win32Profile/ProfileTable.Behaves/UnclosedBracketEndsAtLineEnd",
