@@ -80,19 +80,22 @@ public:
         EmptyQtyValue = 3
     };
 
-    // Flag bits.
-    static constexpr unsigned char kQtyBit = 0x01;
-    static constexpr unsigned char kErrorBit = 0x04;
-    static constexpr unsigned char kPercentBit = 0x08;
-    static constexpr unsigned char kEmptyBit = 0x10;
-    static constexpr unsigned char kUninitBit = 0x20;
-    // Whole flag bytes: the initial values, and the results of operations on error values.
-    static constexpr unsigned char kZeroDollarBits = kUninitBit;
-    static constexpr unsigned char kZeroQtyBits = kUninitBit | kQtyBit;
-    static constexpr unsigned char kEmptyDollarBits = kUninitBit | kEmptyBit;
-    static constexpr unsigned char kEmptyQtyBits = kUninitBit | kEmptyBit | kQtyBit;
-    static constexpr unsigned char kErrorDollarBits = kUninitBit | kErrorBit;
-    static constexpr unsigned char kErrorQtyBits = kUninitBit | kErrorBit | kQtyBit;
+    // Flag bits, and whole flag bytes: the initial values and the results of operations on error
+    // values. Enumerators rather than static data members, so that a program using them through
+    // the DLL on Windows needs no imported object.
+    enum : unsigned char {
+        kQtyBit = 0x01,
+        kErrorBit = 0x04,
+        kPercentBit = 0x08,
+        kEmptyBit = 0x10,
+        kUninitBit = 0x20,
+        kZeroDollarBits = kUninitBit,
+        kZeroQtyBits = kUninitBit | kQtyBit,
+        kEmptyDollarBits = kUninitBit | kEmptyBit,
+        kEmptyQtyBits = kUninitBit | kEmptyBit | kQtyBit,
+        kErrorDollarBits = kUninitBit | kErrorBit,
+        kErrorQtyBits = kUninitBit | kErrorBit | kQtyBit
+    };
 
     BalType() : m_mbits(kZeroDollarBits), m_number{} {}
     // Zero dollar, zero quantity, empty dollar or empty quantity; any other value leaves the
@@ -219,12 +222,14 @@ static_assert(alignof(BalType) == 1, "BalType has no alignment padding");
 class ZTUTIL_API BalTypeLegacy_6Bytes {
 public:
     // Bits of byte 0.
-    static constexpr unsigned char kQtyBit = 0x01;
-    static constexpr unsigned char kSignBit = 0x02;
-    static constexpr unsigned char kErrorBit = 0x04;
-    static constexpr unsigned char kPercentBit = 0x08;
-    static constexpr unsigned char kEmptyBit = 0x10;
-    static constexpr unsigned char kFractionBit16 = 0x80;
+    enum : unsigned char {
+        kQtyBit = 0x01,
+        kSignBit = 0x02,
+        kErrorBit = 0x04,
+        kPercentBit = 0x08,
+        kEmptyBit = 0x10,
+        kFractionBit16 = 0x80
+    };
 
     BalTypeLegacy_6Bytes() : m_bytes{} {}
     explicit BalTypeLegacy_6Bytes(const BalType& value);
