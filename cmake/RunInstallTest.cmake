@@ -19,13 +19,25 @@ foreach(h IN LISTS installed_headers)
     file(WRITE "${header_dir}/${stem}.cpp" "#include \"${h}\"\n")
 endforeach()
 
+set(cross "")
+if(TOOLCHAIN)
+    # The toolchain searches only its own roots: the package is named by its folder.
+    set(cross "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}" "-DZT_WINDOWS_DEPS=${WINDOWS_DEPS}"
+              "-DZtUtilities_DIR=${prefix}/lib/cmake/ZtUtilities")
+endif()
 run(${CMAKE_COMMAND} -S "${CONSUMER_DIR}" -B "${WORK_DIR}/consumer" -G "${GENERATOR}"
     "-DCMAKE_PREFIX_PATH=${prefix}" "-DHEADER_TU_DIR=${header_dir}"
     "-DCMAKE_CXX_FLAGS=${CONSUMER_FLAGS}"
-    "-DCMAKE_EXE_LINKER_FLAGS=${CONSUMER_FLAGS}")
+    "-DCMAKE_EXE_LINKER_FLAGS=${CONSUMER_FLAGS}" ${cross})
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/consumer")
-find_program(consumer NAMES consumer PATHS "${WORK_DIR}/consumer" NO_DEFAULT_PATH REQUIRED)
-run("${consumer}")
+find_program(consumer NAMES consumer consumer.exe PATHS "${WORK_DIR}/consumer" NO_DEFAULT_PATH
+             REQUIRED)
+if(EMULATOR)
+    # Windows finds the installed DLL and the compiler's runtime DLLs beside the program.
+    file(GLOB dlls "${prefix}/bin/*.dll" "${RUNTIME_DIR}/lib*-*.dll")
+    file(COPY ${dlls} DESTINATION "${WORK_DIR}/consumer")
+endif()
+run(${EMULATOR} "${consumer}")
 if(NOT last_output MATCHES "Cannot open ledger.dat")
     message(FATAL_ERROR "unexpected consumer output: ${last_output}")
 endif()

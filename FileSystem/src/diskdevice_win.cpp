@@ -1,8 +1,10 @@
+// Winsock's headers come before <windows.h>, which the library's headers include.
+#include <winsock2.h>
+#include <ws2tcpip.h>
+
 #include "FileSystem/src/diskdevice_platform.h"
 
 #include <windows.h>
-#include <winsock2.h>
-#include <ws2tcpip.h>
 
 #include <direct.h>
 

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 
 #include "OperationsManager/src/opsplatform.h"
 
@@ -30,6 +31,10 @@ FileHandle OpenAppendFile(const char* path) {
 }
 
 bool AppendToFile(FileHandle file, const char* data, std::size_t size) {
+    // Windows appends each write whole; Wine places concurrent appends of one process at the
+    // same end of file, so that lines overwrite each other. Appends of this process take turns.
+    static std::mutex appending;
+    std::lock_guard<std::mutex> turn(appending);
     while (size > 0) {
         const DWORD chunk = size > 0x40000000u ? 0x40000000u : static_cast<DWORD>(size);
         DWORD written = 0;

@@ -87,7 +87,7 @@ private:
     std::atomic<bool> m_messageReady{false};
 };
 
-class [[nodiscard]] ZTUTIL_API Status {
+class [[nodiscard]] ZTUTIL_API_ATTR Status {
 public:
     // Code 0, "Succeeded".
     Status();

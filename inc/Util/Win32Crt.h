@@ -188,9 +188,7 @@ using ::_chmod;
 using ::_close;
 using ::_creat;
 using ::_findclose;
-using ::_findfirst32;
 using ::_findfirst64i32;
-using ::_findnext32;
 using ::_findnext64i32;
 using ::_fullpath;
 using ::_makepath_s;
@@ -201,7 +199,6 @@ using ::_rmdir;
 using ::_sopen;
 using ::_sopen_s;
 using ::_splitpath_s;
-using ::_stat32;
 using ::_stat64i32;
 using ::_unlink;
 using ::fopen;
@@ -210,6 +207,17 @@ using ::freopen;
 using ::freopen_s;
 using ::remove;
 using ::rename;
+#if defined(_UCRT)
+using ::_findfirst32;
+using ::_findnext32;
+using ::_stat32;
+#else
+// The msvcrt.dll of 64-bit Windows has only the 64-bit-time forms; these call them and narrow the
+// times (-1 and errno EOVERFLOW for a time past January 2038).
+ZTUTIL_API int _stat32(const char* path, struct _stat32* buffer);
+ZTUTIL_API std::intptr_t _findfirst32(const char* fileSpec, struct _finddata32_t* fileInfo);
+ZTUTIL_API int _findnext32(std::intptr_t handle, struct _finddata32_t* fileInfo);
+#endif
 #else
 // Streams.
 ZTUTIL_API FILE* fopen(const char* fileName, const char* mode);

@@ -21,8 +21,11 @@ protected:
     std::vector<std::string> LogLines() const {
         std::vector<std::string> lines;
         std::istringstream in(ReadFile("LOG/IniShimLogger.txt"));
-        for (std::string line; std::getline(in, line);)
+        for (std::string line; std::getline(in, line);) {
+            if (!line.empty() && line.back() == '\r') // Windows ends the records with CR LF
+                line.pop_back();
             lines.push_back(line);
+        }
         return lines;
     }
     std::string LastMessage() const {

@@ -3,6 +3,7 @@
 #include "Util/ProcessInfo.h"
 #include "Util/Win32Time.h"
 #include "tests/OperationsManager/ops_test_support.h"
+#include "tests/test_platform.h"
 
 #include <gtest/gtest.h>
 
@@ -19,6 +20,11 @@ using Util::PerformanceInfo;
 using Util::PerformanceInfoHP;
 
 namespace {
+
+// A process has taken page faults by the time it reports; Wine counts none.
+long MinPageFaults() {
+    return ZtTest::UnderWine() ? 0 : 1;
+}
 
 void SleepMs(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
@@ -118,7 +124,7 @@ TEST_F(TimingReports, LogLinesNameTheScaleAndPutTheDeltaBeforeTheCumulativeDelta
         long faults = -1, delta = -1, cumulative = -1;
         ASSERT_EQ(std::sscanf(lines.back().text.c_str(), c.format, &faults, &delta, &cumulative), 3)
             << lines.back().text;
-        EXPECT_GT(faults, 0);
+        EXPECT_GE(faults, MinPageFaults());
         EXPECT_GE(cumulative, c.minCumulative);
         EXPECT_LT(delta, c.minCumulative);
     }
@@ -131,7 +137,7 @@ TEST_F(TimingReports, LogLinesNameTheScaleAndPutTheDeltaBeforeTheCumulativeDelta
                           "coarse: PageFault=%ld, TickDelta=%ld, CumTickDelta=%ld", &faults, &delta,
                           &cumulative),
               3);
-    EXPECT_GT(faults, 0);
+    EXPECT_GE(faults, MinPageFaults());
     EXPECT_GE(delta, 200);
     EXPECT_GE(cumulative, delta);
 }

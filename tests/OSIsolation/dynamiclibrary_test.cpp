@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 using namespace Util::Win32;
@@ -47,15 +48,27 @@ TEST(DynamicLibrary, FailuresCarryWin32ErrorAndSetLastError) {
 }
 
 TEST(Win32LastError, IsPerThreadAndRestoredByTheGuard) {
-    Util::Win32::SetLastError(ERROR_ACCESS_DENIED);
+    // Creating and joining a thread may change the caller's last error on Windows, so the
+    // values are set and compared while both threads run, in turns.
+    std::atomic<int> turn{0};
     DWORD seenByOther = 1234;
     std::thread other([&] {
+        while (turn.load() != 1)
+            std::this_thread::yield();
         seenByOther = Util::Win32::GetLastError();
         Util::Win32::SetLastError(ERROR_FILE_NOT_FOUND);
+        turn.store(2);
     });
+    Util::Win32::SetLastError(ERROR_ACCESS_DENIED);
+    turn.store(1);
+    while (turn.load() != 2)
+        std::this_thread::yield();
+    const DWORD seenHere = Util::Win32::GetLastError();
     other.join();
     EXPECT_EQ(seenByOther, static_cast<DWORD>(ERROR_SUCCESS));
-    EXPECT_EQ(Util::Win32::GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(seenHere, static_cast<DWORD>(ERROR_ACCESS_DENIED));
+
+    Util::Win32::SetLastError(ERROR_ACCESS_DENIED);
 
     errno = ERANGE;
     {

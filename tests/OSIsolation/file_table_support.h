@@ -47,7 +47,11 @@ public:
     Layout& operator=(const Layout&) = delete;
 
     const std::string& Root() const { return m_root; }
-    std::string Path(const std::string& relative) const { return m_root + "/" + relative; }
+    // Written with the platform's own separators ('\\' on Windows, where a shell function may
+    // split a name at backslashes only).
+    std::string Path(const std::string& relative) const {
+        return (std::filesystem::path(m_root) / relative).make_preferred().string();
+    }
     void Write(const std::string& relative, const std::string& text) const {
         std::ofstream(Path(relative), std::ios::binary) << text;
     }

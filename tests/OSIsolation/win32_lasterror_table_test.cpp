@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 using namespace Util::Win32;
@@ -26,15 +27,25 @@ class Win32LastErrorTable : public ::testing::TestWithParam<LastErrorRow> {};
 // own value does not leak back.
 TEST_P(Win32LastErrorTable, RoundTripsPerThread) {
     const DWORD value = GetParam().value;
-    Util::Win32::SetLastError(value);
+    // Creating and joining a thread may change the caller's value on Windows: the threads take
+    // turns while both run, and this thread reads its value back before the join.
+    std::atomic<int> turn{0};
     DWORD fresh = 1, own = 0;
     std::thread other([&] {
+        while (turn.load() != 1)
+            std::this_thread::yield();
         fresh = Util::Win32::GetLastError();
         Util::Win32::SetLastError(value ^ 1u);
         own = Util::Win32::GetLastError();
+        turn.store(2);
     });
+    Util::Win32::SetLastError(value);
+    turn.store(1);
+    while (turn.load() != 2)
+        std::this_thread::yield();
+    const DWORD mine = Util::Win32::GetLastError();
     other.join();
-    EXPECT_EQ(Util::Win32::GetLastError(), value);
+    EXPECT_EQ(mine, value);
     EXPECT_EQ(fresh, static_cast<DWORD>(ERROR_SUCCESS));
     EXPECT_EQ(own, value ^ 1u);
 }

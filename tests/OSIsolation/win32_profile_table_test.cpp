@@ -12,6 +12,7 @@
 #include <string>
 
 #include "Util/Win32.h"
+#include "tests/OSIsolation/wine_deviations.h"
 
 using namespace Util::Win32;
 
@@ -181,6 +182,7 @@ protected:
 };
 
 TEST_P(ProfileTable, Behaves) {
+    ZT_SKIP_WINE_DEVIATION();
     const Row& row = GetParam();
     const fs::path file = m_dir / "test.ini";
     if (row.before != kNoFile)

@@ -13,5 +13,10 @@ add_test(NAME Install.ConsumerBuildsAgainstInstallTree
         -DCONSUMER_DIR=${CMAKE_CURRENT_LIST_DIR}/consumer
         -DGENERATOR=${CMAKE_GENERATOR}
         "-DCONSUMER_FLAGS=${zt_consumer_flags}"
+        # Cross-built: the consumer uses the same toolchain and runs under the emulator (Wine),
+        # linked against the import library.
+        "-DTOOLCHAIN=${CMAKE_TOOLCHAIN_FILE}" "-DWINDOWS_DEPS=${ZT_WINDOWS_DEPS}"
+        "-DEMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR}"
+        "-DRUNTIME_DIR=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
         -P ${CMAKE_SOURCE_DIR}/cmake/RunInstallTest.cmake)
 set_tests_properties(Install.ConsumerBuildsAgainstInstallTree PROPERTIES TIMEOUT 300)
