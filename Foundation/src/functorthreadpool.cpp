@@ -38,8 +38,7 @@ AsyncPlatform::Lock& FunctorThreadPool::GlobalLock() {
     return *lock;
 }
 
-std::shared_ptr<FunctorThreadPool> FunctorThreadPool::getInstance() {
-    AsyncPlatform::Hold hold(GlobalLock());
+std::shared_ptr<FunctorThreadPool>& FunctorThreadPool::InstanceLocked() {
     std::shared_ptr<FunctorThreadPool>& instance = TheInstance();
     if (!instance) {
         std::shared_ptr<FunctorThreadPool> created(new (std::nothrow) FunctorThreadPool);
@@ -47,6 +46,11 @@ std::shared_ptr<FunctorThreadPool> FunctorThreadPool::getInstance() {
             instance = created;
     }
     return instance;
+}
+
+std::shared_ptr<FunctorThreadPool> FunctorThreadPool::getInstance() {
+    AsyncPlatform::Hold hold(GlobalLock());
+    return InstanceLocked();
 }
 
 bool FunctorThreadPool::Create(const std::shared_ptr<FunctorThreadPool>& self) {
@@ -164,12 +168,7 @@ void FunctorThreadPool::Stop(unsigned int timeoutMs) {
 
 void FunctorThreadPool::Shutdown(unsigned int timeoutMs) {
     AsyncPlatform::Hold hold(GlobalLock());
-    std::shared_ptr<FunctorThreadPool>& instance = TheInstance();
-    if (!instance) {
-        std::shared_ptr<FunctorThreadPool> created(new (std::nothrow) FunctorThreadPool);
-        if (created && created->Create(created))
-            instance = created;
-    }
+    std::shared_ptr<FunctorThreadPool>& instance = InstanceLocked();
     if (instance) {
         instance->Stop(timeoutMs);
         instance.reset();

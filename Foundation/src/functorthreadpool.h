@@ -33,6 +33,9 @@ public:
 
 private:
     FunctorThreadPool() = default;
+    // The pool slot, filled with a new pool when empty (and creation works); the caller holds
+    // GlobalLock().
+    static std::shared_ptr<FunctorThreadPool>& InstanceLocked();
     bool Create(const std::shared_ptr<FunctorThreadPool>& self);
     bool SetNumThreads(int count, const std::shared_ptr<FunctorThreadPool>& self);
     void Stop(unsigned int timeoutMs);

@@ -184,11 +184,11 @@ std::string SingletonFailureReports(Util::FailureHook::Point point, const std::s
     for (const auto& e : events->Events())
         if (e.type == Util::Ops::kVerify || e.level == Util::Ops::kLvlFatalError)
             seen += std::to_string(e.type) + "/" + std::to_string(e.level) + " " + e.text + "\n";
-    const std::string expected =
-        std::to_string(Util::Ops::kVerify) + "/" + std::to_string(Util::Ops::kLvlNA) + " (g" +
-        name + ") is false\n" + std::to_string(Util::Ops::kMessage) + "/" +
-        std::to_string(Util::Ops::kLvlFatalError) + " Can't create the util::" + name +
-        "::instance.\n";
+    const std::string expected = std::to_string(Util::Ops::kVerify) + "/" +
+                                 std::to_string(Util::Ops::kLvlNA) + " (g" + name + ") is false\n" +
+                                 std::to_string(Util::Ops::kMessage) + "/" +
+                                 std::to_string(Util::Ops::kLvlFatalError) +
+                                 " Can't create the util::" + name + "::instance.\n";
     if (seen != expected)
         return "events:\n" + seen + "expected:\n" + expected;
     return "";
@@ -198,8 +198,8 @@ std::string SingletonFailureReports(Util::FailureHook::Point point, const std::s
 
 TEST(TimerSingletons, PerformanceInfoThatCannotBeAllocatedIsReported) {
     OPS_IN_FRESH_PROCESS([] {
-        return SingletonFailureReports<PerformanceInfo>(
-            Util::FailureHook::kPerformanceInfoInstance, "PerformanceInfo");
+        return SingletonFailureReports<PerformanceInfo>(Util::FailureHook::kPerformanceInfoInstance,
+                                                        "PerformanceInfo");
     });
 }
 
