@@ -27,6 +27,9 @@ TEMPLATE_NAMESPACES = {"std", "__gnu_cxx", "boost"}
 VAGUE_LINKAGE_TYPES = {"W", "V", "u"}  # nm: weak function, weak object, unique global
 # Symbols the linker itself defines in every ELF shared object.
 LINKER_NAMES = {"_init", "_fini", "_edata", "_end", "__bss_start"}
+# AddressSanitizer's one-definition-rule indicators, one per exported global variable (GCC,
+# clang): they carry the variable's own name.
+ODR_INDICATOR_PREFIXES = ("__odr_asan.", "__odr_asan_gen_")
 # Itanium abbreviations that stand for std:: names (St, Sa, Sb, Ss, Si, So, Sd).
 STD_ABBREVIATIONS = ("St", "Sa", "Sb", "Ss", "Si", "So", "Sd")
 
@@ -70,6 +73,9 @@ def read_number(text, pos):
 
 def outermost_scope(mangled):
     """The outermost namespace or global name of a mangled C++ name, or the C name itself."""
+    for prefix in ODR_INDICATOR_PREFIXES:
+        if mangled.startswith(prefix):
+            mangled = mangled[len(prefix) :]
     if not mangled.startswith("_Z"):
         return mangled
     s = mangled[2:]
@@ -147,7 +153,10 @@ def main():
     names = run([args.cxxfilt, "-p"], "\n".join(mangled) + "\n").splitlines()
     exported_names = set(names)
     if args.print_names:
-        sys.stdout.write("".join(name + "\n" for name in sorted(exported_names)))
+        # Strong definitions only: a weak one is an inline function or a template that an
+        # optimised build may inline everywhere and not emit at all.
+        strong = {name for name, (_, kind) in zip(names, exports) if kind not in VAGUE_LINKAGE_TYPES}
+        sys.stdout.write("".join(name + "\n" for name in sorted(strong)))
         return 0
     print("{}: {} exported symbols, {} distinct names".format(
         args.library, len(exports), len(exported_names)))
