@@ -1,12 +1,12 @@
 // Windows' find-first pattern matching. The pattern is first rewritten the way Windows rewrites
 // it before the file system sees it (trailing dots dropped, "*.*" becoming "*", and the DOS
-// forms of '*', '?' and '.' next to a dot or a wildcard), then run as a small automaton over the
-// name, one set of pattern positions per name byte.
+// forms of '*', '?' and '.' next to a dot or a wildcard). What is left is either plain characters
+// and stars, matched greedily with one backtracking point, or it holds a DOS form and runs as a
+// small automaton over the name, one set of pattern positions per name byte.
 #include "Util/Win32Wildcard.h"
 
 #include <array>
 #include <cstring>
-#include <vector>
 
 namespace Util {
 
@@ -19,8 +19,16 @@ enum Token : int {
     DosDot = 259,  // a dot, or nothing at the end of the name
 };
 
-int Fold(unsigned char c) {
-    return (c >= 'A' && c <= 'Z') ? c - 'A' + 'a' : c;
+constexpr std::array<unsigned char, 256> MakeFoldTable() {
+    std::array<unsigned char, 256> table{};
+    for (int c = 0; c < 256; ++c)
+        table[c] = static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    return table;
+}
+constexpr std::array<unsigned char, 256> kFold = MakeFoldTable();
+
+int Fold(char c) {
+    return kFold[static_cast<unsigned char>(c)];
 }
 
 // Small sets live on the stack; long fuzzed patterns fall back to the heap.
@@ -73,7 +81,56 @@ void Translate(const char* pattern, std::vector<int>& tokens) {
         else if (c == '.' && (next == '?' || next == '*'))
             tokens.push_back(DosDot);
         else
-            tokens.push_back(Fold(static_cast<unsigned char>(c)));
+            tokens.push_back(Fold(c));
+    }
+}
+
+// The greedy form: plain characters and '*' only. A DOS star directly before a literal dot
+// behaves as a plain star there, since the dot it must reach lies at or before the name's last
+// dot anyway.
+bool ToStars(const std::vector<int>& tokens, std::string& text) {
+    text.clear();
+    text.reserve(tokens.size());
+    for (std::size_t p = 0; p < tokens.size(); ++p) {
+        const int token = tokens[p];
+        if (token == Star || (token == DosStar && p + 1 < tokens.size() && tokens[p + 1] == '.'))
+            text.push_back('*');
+        else if (token < 256)
+            text.push_back(static_cast<char>(token));
+        else
+            return false;
+    }
+    return true;
+}
+
+// '*' matches any run; every other character of the pattern is already folded. On a mismatch
+// the last star takes one more character of the name; an earlier star never needs to.
+bool MatchStars(const char* pattern, const char* name) {
+    const char* p = pattern;
+    const unsigned char* s = reinterpret_cast<const unsigned char*>(name);
+    const char* starP = nullptr;
+    const unsigned char* starS = nullptr;
+    for (;;) {
+        if (*p == '*') {
+            while (*p == '*')
+                ++p;
+            if (*p == '\0')
+                return true;
+            starP = p;
+            starS = s;
+            continue;
+        }
+        if (*s == '\0')
+            return *p == '\0';
+        if (static_cast<unsigned char>(*p) == kFold[*s]) {
+            ++p;
+            ++s;
+            continue;
+        }
+        if (starP == nullptr)
+            return false;
+        p = starP;
+        s = ++starS;
     }
 }
 
@@ -89,23 +146,7 @@ void Close(const std::vector<int>& tokens, PositionSet& state, bool atDot, bool 
     }
 }
 
-} // namespace
-
-bool HasWin32Wildcard(const char* pattern) {
-    return pattern != nullptr && std::strpbrk(pattern, "*?") != nullptr;
-}
-
-bool MatchesWin32Wildcard(const char* pattern, const char* name) {
-    if (pattern == nullptr || name == nullptr)
-        return false;
-    // A pattern of dots only names "." or ".." itself.
-    if (pattern[std::strspn(pattern, ".")] == '\0')
-        return std::strcmp(pattern, name) == 0;
-
-    thread_local std::vector<int> tokens;
-    tokens.clear();
-    Translate(pattern, tokens);
-
+bool MatchGeneral(const std::vector<int>& tokens, const char* name) {
     const std::size_t nameLength = std::strlen(name);
     const char* lastDotPtr = std::strrchr(name, '.');
     const std::size_t lastDot =
@@ -117,7 +158,7 @@ bool MatchesWin32Wildcard(const char* pattern, const char* name) {
     PositionSet* next = &second;
     (*state)[0] = 1;
     for (std::size_t i = 0; i < nameLength; ++i) {
-        const unsigned char c = static_cast<unsigned char>(name[i]);
+        const char c = name[i];
         Close(tokens, *state, c == '.', false);
         next->Clear();
         for (std::size_t p = 0; p < tokens.size(); ++p) {
@@ -152,6 +193,65 @@ bool MatchesWin32Wildcard(const char* pattern, const char* name) {
     }
     Close(tokens, *state, false, true);
     return (*state)[tokens.size()] != 0;
+}
+
+} // namespace
+
+Win32Wildcard::Win32Wildcard(const char* pattern) {
+    if (pattern == nullptr)
+        return;
+    // A pattern of dots only names "." or ".." itself.
+    if (pattern[std::strspn(pattern, ".")] == '\0') {
+        m_form = Form::Exact;
+        m_text = pattern;
+        return;
+    }
+    Translate(pattern, m_tokens);
+    if (ToStars(m_tokens, m_text)) {
+        m_form = Form::Stars;
+        m_tokens.clear();
+    } else {
+        m_form = Form::General;
+        m_text.clear();
+    }
+}
+
+bool Win32Wildcard::Matches(const char* name) const {
+    if (name == nullptr)
+        return false;
+    switch (m_form) {
+    case Form::Exact:
+        return m_text == name;
+    case Form::Stars:
+        return MatchStars(m_text.c_str(), name);
+    case Form::General:
+        return MatchGeneral(m_tokens, name);
+    case Form::Nothing:
+        break;
+    }
+    return false;
+}
+
+bool HasWin32Wildcard(const char* pattern) {
+    return pattern != nullptr && std::strpbrk(pattern, "*?") != nullptr;
+}
+
+bool MatchesWin32Wildcard(const char* pattern, const char* name) {
+    if (pattern == nullptr || name == nullptr)
+        return false;
+    struct Prepared {
+        std::string pattern;
+        Win32Wildcard wildcard{nullptr};
+        bool ready = false;
+    };
+    thread_local Prepared last;
+    if (!last.ready || last.pattern != pattern) {
+        last.ready = false;
+        last.wildcard = Win32Wildcard(pattern);
+        last.pattern = pattern;
+        last.ready = true;
+    }
+    return last.wildcard.Matches(name);
 }
 
 } // namespace Util

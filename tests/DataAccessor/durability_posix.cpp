@@ -2,6 +2,7 @@
 // processes working on the same directory.
 #include "tests/DataAccessor/settingstest.h"
 #include "tests/OperationsManager/ops_test_support.h"
+#include "tests/test_platform.h"
 
 #include <csignal>
 #include <random>
@@ -163,15 +164,13 @@ TEST_F(Durability, ReadOnlyDirectoryFailsTheWriteAndKeepsTheOldFile) {
     for (const auto& entry : std::filesystem::directory_iterator(m_dir))
         std::filesystem::permissions(entry.path(), std::filesystem::perms(0666));
     std::filesystem::permissions(m_dir, std::filesystem::perms(0555));
-    pid_t child = Spawn([] {
-        constexpr uid_t kNobody = 65534;
-        if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0))
-            return 2;
+    const int result = ZtTest::RunWithoutRoot([] {
+        Norvane::Utilities::PersistentKeyValueMapManager::DestroyManager();
         return Set("ZTW.INI", "S", "K", "new") ? 1 : 0;
     });
-    const int result = WaitFor(child);
     std::filesystem::permissions(m_dir, std::filesystem::perms(0755));
-    EXPECT_EQ(result, 0) << "the write should have failed (2: could not give up root)";
+    EXPECT_EQ(result, 0) << "the write should have failed (" << ZtTest::kCouldNotDropRoot
+                         << ": could not give up root)";
     EXPECT_EQ(ReadFile("ZTW.INI.XML"), before);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_dir),
                             std::filesystem::directory_iterator()),

@@ -130,12 +130,24 @@ TEST_F(FilePathNetwork, ShareErrorsCarryTheirWin32Error) {
     Util::Win32::SetNetworkTables(m_dir.Path().c_str(), nullptr); // a directory cannot be read
     Util::Status unreadable = FilePath("\\\\localhost\\data\\x").ConvertUNCToLocalPath(local);
     EXPECT_TRUE(unreadable.Failed());
-    if (!ZtTest::RunsAsRoot()) {
-        std::filesystem::permissions(m_smbConf, std::filesystem::perms::none);
-        Util::Win32::SetNetworkTables(m_smbConf.c_str(), nullptr);
-        EXPECT_EQ(FilePath("\\\\localhost\\data\\x").ConvertUNCToLocalPath(local).GetStatusCode(),
-                  Util::Status::GetSystemAccessDenied().GetStatusCode());
-    }
+
+    // A configuration the process may not read. Root reads it anyway, so the query runs in a
+    // child that is no longer root.
+    std::filesystem::permissions(m_smbConf, std::filesystem::perms::none);
+    Util::Win32::SetNetworkTables(m_smbConf.c_str(), nullptr);
+    const int result = ZtTest::RunWithoutRoot([] {
+        Util::TString path;
+        const Util::Status denied = FilePath("\\\\localhost\\data\\x").ConvertUNCToLocalPath(path);
+        long win32Error = 0;
+        if (denied.GetStatusCode() != Util::Status::GetSystemAccessDenied().GetStatusCode())
+            return 1;
+        if (!denied.GetLongAttribute("Win32Error", win32Error) || win32Error != 5)
+            return 2;
+        return path.IsEmpty() ? 0 : 3;
+    });
+    EXPECT_EQ(result, 0) << "1: not the access-denied status, 2: Win32Error is not 5, "
+                         << "3: a local path was given, " << ZtTest::kCouldNotDropRoot
+                         << ": could not give up root";
 }
 
 TEST_F(FilePathNetwork, UniversalNamesComeFromShareMounts) {
