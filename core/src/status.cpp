@@ -1,22 +1,73 @@
 #include "Util/Status.h"
 
 #include "Util/Compiler.h"
+#include "core/src/spinlock.h"
 
 #include <cstdlib>
+#include <cstring>
 
 namespace Util {
+
+// Creating and dropping a status is the library's most frequent operation. Its whole path (the
+// pool's spare entry, the format copy, the hand back) is defined in this file, so that the
+// compiler sees it at once and inlines it whole into the constructors and Release.
 
 inline StatusPool* Status::Pool() {
     StatusPool* pool = StatusPool::s_pCurrent.load(std::memory_order_acquire);
     return pool != nullptr ? pool : GetStatusPool();
 }
 
-Status::Status() {
+void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
+    Detail::ElidableSpinGuard guard(m_lock);
+    if (m_spare != kNoSpare) {
+        // Handed back by its last holder, so free for certain.
+        m_spare = kNoSpare;
+        result.swap(m_spareRef);
+    } else {
+        TakeFromList(result);
+    }
+    result->m_lent = true;
+}
+
+void StatusPool::GiveBack(boost::shared_ptr<StatusImpl>& impl) {
+    const std::uint32_t index = impl->m_poolIndex;
+    Detail::ElidableSpinGuard guard(m_lock);
+    impl->m_lent = false;
+    if (m_spare == kNoSpare && m_free.NoneBelow(index)) {
+        m_spare = index;
+        m_spareRef.swap(impl);
+        return;
+    }
+    Free(index, impl);
+}
+
+void StatusImpl::Reuse(long code, const char* format) {
+    m_statusCode = static_cast<std::int32_t>(code);
+    if (format == nullptr)
+        format = "";
+    const std::size_t length = std::strlen(format);
+    if (m_formatStr) {
+        // Appending to the emptied string reuses its storage and skips assign's overlap checks.
+        TString::string_type& text = m_formatStr->str();
+        text.clear();
+        text.append(format, length);
+    } else {
+        m_formatStr.emplace(format, length);
+    }
+    // An engaged but empty message reads as not yet expanded, like an absent one.
+    if (m_messageStr)
+        m_messageStr->Empty();
+    m_messageReady.store(false, std::memory_order_release);
+    if (GetAttributeCount() != 0)
+        ClearAttributes();
+}
+
+ZT_FLATTEN Status::Status() {
     Pool()->Take(m_pImpl);
     m_pImpl->Reuse(0, "Succeeded");
 }
 
-Status::Status(long code, const char* format) {
+ZT_FLATTEN Status::Status(long code, const char* format) {
     Pool()->Take(m_pImpl);
     m_pImpl->Reuse(code, format);
 }
@@ -30,7 +81,7 @@ Status& Status::operator=(const Status& other) {
     return *this;
 }
 
-void Status::Release(boost::shared_ptr<StatusImpl>& impl) {
+ZT_FLATTEN void Status::Release(boost::shared_ptr<StatusImpl>& impl) {
     StatusImpl* p = impl.get();
     // The only holder of a lent reference moves it back. Nobody else can take a reference to it
     // meanwhile: every other reference comes from copying a holder. Any other drop is a plain

@@ -117,20 +117,6 @@ void StatusImpl::Reset() {
         ClearAttributes();
 }
 
-void StatusImpl::Reuse(long code, const char* format) {
-    m_statusCode = static_cast<std::int32_t>(code);
-    if (m_formatStr)
-        *m_formatStr = format;
-    else
-        m_formatStr.emplace(format);
-    // An engaged but empty message reads as not yet expanded, like an absent one.
-    if (m_messageStr)
-        m_messageStr->Empty();
-    m_messageReady.store(false, std::memory_order_release);
-    if (GetAttributeCount() != 0)
-        ClearAttributes();
-}
-
 void StatusImpl::AttributeHasChanged() {
     m_messageStr.reset();
     m_messageReady.store(false, std::memory_order_release);

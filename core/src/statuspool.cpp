@@ -56,26 +56,14 @@ boost::shared_ptr<StatusImpl> StatusPool::GetNewStatus() {
     return result;
 }
 
-void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
-    Detail::ElidableSpinGuard guard(m_lock);
+void StatusPool::TakeFromList(boost::shared_ptr<StatusImpl>& result) {
     std::size_t index = 0;
-    for (;;) {
-        // The spare entry was handed back by its last holder, so it is free for certain; an
-        // entry from the set may carry a stale mark and is checked.
-        bool certain = false;
-        if (m_spare != kNoSpare) {
-            index = m_spare;
-            m_spare = kNoSpare;
-            certain = true;
-        } else if (m_free.FindFirst(index)) {
-            m_free.ClearFirst(index);
-        } else {
-            break;
-        }
+    while (m_free.FindFirst(index)) {
+        m_free.ClearFirst(index);
+        // An entry of the set may carry a stale mark, and is checked.
         boost::shared_ptr<StatusImpl>& slot = m_list[index];
-        if (certain || slot.use_count() == 1) {
-            result = std::move(slot);
-            result->m_lent = true;
+        if (slot.use_count() == 1) {
+            result.swap(slot);
             return;
         }
     }
@@ -89,17 +77,8 @@ void StatusPool::Take(boost::shared_ptr<StatusImpl>& result) {
         m_free.Resize(m_capacity);
     }
     created->m_poolIndex = static_cast<std::uint32_t>(m_list.size());
-    created->m_lent = true;
     m_list.emplace_back();
-    result = std::move(created);
-}
-
-void StatusPool::GiveBack(boost::shared_ptr<StatusImpl>& impl) {
-    const std::uint32_t index = impl->m_poolIndex;
-    Detail::ElidableSpinGuard guard(m_lock);
-    impl->m_lent = false;
-    m_list[index] = std::move(impl);
-    Free(index);
+    result.swap(created);
 }
 
 void StatusPool::Adopt(StatusImpl* impl) {
@@ -114,27 +93,26 @@ void StatusPool::Adopt(StatusImpl* impl) {
     }
     Detail::ElidableSpinGuard guard(m_lock);
     impl->m_lent = false;
-    m_list[index] = std::move(owner);
-    Free(index);
+    Free(index, owner);
 }
 
-void StatusPool::Free(std::size_t index) {
+void StatusPool::Free(std::size_t index, boost::shared_ptr<StatusImpl>& ref) {
     if (m_spare == kNoSpare) {
         if (m_free.NoneBelow(index)) {
             m_spare = index;
+            m_spareRef.swap(ref);
             return;
         }
     } else if (index < m_spare) {
-        std::swap(index, m_spare);
-    }
-    m_free.Set(index);
-}
-
-void StatusPool::FlushSpare() {
-    if (m_spare != kNoSpare) {
+        // The lower entry becomes the spare; the old spare goes back to its place in the set.
+        m_list[m_spare].swap(m_spareRef);
         m_free.Set(m_spare);
-        m_spare = kNoSpare;
+        m_spare = index;
+        m_spareRef.swap(ref);
+        return;
     }
+    m_list[index].swap(ref);
+    m_free.Set(index);
 }
 
 void StatusPool::Deleter::operator()(StatusImpl* impl) const {
@@ -204,10 +182,6 @@ void StatusPool::FreeIndexSet::ClearFirst(std::size_t index) {
             break;
         index /= 64;
     }
-}
-
-bool StatusPool::FreeIndexSet::NoneBelow(std::size_t index) const {
-    return index <= m_first || m_levelCount == 0 || m_words[m_offset[m_levelCount - 1]] == 0;
 }
 
 bool StatusPool::FreeIndexSet::FindFirst(std::size_t& index) const {

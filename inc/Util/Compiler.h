@@ -8,6 +8,7 @@
 // ZT_COLD                 this function runs rarely (also never inlined)
 // ZT_LIKELY(x), ZT_UNLIKELY(x)  branch hints
 // ZT_INIT_PRIORITY(n)     construct this global before those of lower priority (GCC, clang)
+// ZT_FLATTEN              inline into this function every call the compiler can see (hot paths)
 // Util::CountTrailingZeros64(bits)  index of the lowest set bit of a non-zero value
 #pragma once
 
@@ -22,6 +23,7 @@
 #define ZT_LIKELY(x) (x)
 #define ZT_UNLIKELY(x) (x)
 #define ZT_INIT_PRIORITY(n)
+#define ZT_FLATTEN
 #else
 #define ZT_PRINTF_FORMAT(formatIndex, firstArgument)                                               \
     __attribute__((format(printf, formatIndex, firstArgument)))
@@ -31,6 +33,7 @@
 #define ZT_LIKELY(x) __builtin_expect(!!(x), 1)
 #define ZT_UNLIKELY(x) __builtin_expect(!!(x), 0)
 #define ZT_INIT_PRIORITY(n) __attribute__((init_priority(n)))
+#define ZT_FLATTEN __attribute__((flatten))
 #endif
 
 namespace Util {

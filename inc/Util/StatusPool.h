@@ -58,17 +58,18 @@ private:
     };
 
     // Takes the first free entry (or a new one) and moves the pool's own reference into
-    // result instead of copying it; the caller reinitialises the implementation at once
-    // (StatusImpl::Reuse or Reset).
+    // result, which is empty, instead of copying it; the caller reinitialises the
+    // implementation at once (StatusImpl::Reuse or Reset).
     void Take(boost::shared_ptr<StatusImpl>& result);
+    // Take when there is no spare entry; called with the lock held.
+    void TakeFromList(boost::shared_ptr<StatusImpl>& result);
     // The only holder of a lent reference returns it; impl is empty afterwards.
     void GiveBack(boost::shared_ptr<StatusImpl>& impl);
     // A lent implementation whose last reference dropped without being given back.
     void Adopt(StatusImpl* impl);
-    // Records the entry at index as free; called with the lock held.
-    void Free(std::size_t index);
-    // Moves the spare entry into the free-entry set; called with the lock held.
-    void FlushSpare();
+    // Takes back the pool's reference to the entry at index, free again, from ref; called with
+    // the lock held.
+    void Free(std::size_t index, boost::shared_ptr<StatusImpl>& ref);
 
     // Bit set over list indices with one summary level per 64-fold, so the lowest set bit is
     // found by descending from a single top word. It also remembers a bound below which no bit
@@ -82,7 +83,10 @@ private:
         void ClearFirst(std::size_t index);
         bool FindFirst(std::size_t& index) const;
         // True when no bit below index is set.
-        bool NoneBelow(std::size_t index) const;
+        bool NoneBelow(std::size_t index) const {
+            return index <= m_first || m_levelCount == 0 ||
+                   m_words[m_offset[m_levelCount - 1]] == 0;
+        }
 
     private:
         static constexpr std::size_t kMaxLevels = 8;
@@ -97,9 +101,11 @@ private:
     std::deque<boost::shared_ptr<StatusImpl>> m_list;
     FreeIndexSet m_free;
     // The lowest free entry, kept out of the set while it is lower than every entry in it: a
-    // status dropped and the next one created pass it back and forth without touching the set.
+    // status dropped and the next one created pass it back and forth without touching the set
+    // or the list. Its reference is held here, not in its list entry, while it is the spare.
     static constexpr std::size_t kNoSpare = SIZE_MAX;
     std::size_t m_spare = kNoSpare;
+    boost::shared_ptr<StatusImpl> m_spareRef;
     std::size_t m_capacity = 0;
     mutable std::atomic<bool> m_lock{false};
 
