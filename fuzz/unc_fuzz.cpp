@@ -1,9 +1,10 @@
 // Feeds arbitrary bytes to the UNC splitting of FileSystem::FilePath and to the share lookup
 // behind ConvertUNCToLocalPath. The input up to its first NUL is the path; what follows the NUL
 // is written as the Samba configuration the share lookup reads. The parts of a UNC path must
-// put the path back together, a path that is not UNC has no parts, and a converted share is
-// never empty.
+// put the path back together, a path that is not UNC has no parts, and a converted share ends
+// in a backslash and the rest of the path.
 #include "Util/FilePath.h"
+#include "Util/Ops.h"
 #include "Util/Win32Volume.h"
 
 #include <cstddef>
@@ -28,17 +29,37 @@ void WriteFile(const std::string& path, const std::string& text) {
     std::fclose(file);
 }
 
+std::string Slashes(std::string text) {
+    for (char& c : text)
+        if (c == '\\')
+            c = '/';
+    return text;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const std::string smbConf = "/tmp/unc_fuzz_" + std::to_string(getpid()) + ".conf";
-    static const std::string mounts = "/tmp/unc_fuzz_" + std::to_string(getpid()) + ".mounts";
+    // The configuration is rewritten for every input: in memory (/dev/shm) where there is one.
+    static const std::string base =
+        (::access("/dev/shm", W_OK) == 0 ? "/dev/shm/unc_fuzz_" : "/tmp/unc_fuzz_") +
+        std::to_string(getpid());
+    static const std::string smbConf = base + ".conf";
+    static const std::string mounts = base + ".mounts";
     static const bool tables = [] {
-        WriteFile(mounts, "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n");
+        // Operations never begin here: keep no early events, which would only pile up.
+        Util::GetOps().SetPendingEventCapacity(0);
         Util::Win32::SetNetworkTables(smbConf.c_str(), mounts.c_str());
         return true;
     }();
     (void)tables;
+    // Both files live only while an input runs (libFuzzer ends without running atexit).
+    struct Tables {
+        Tables() { WriteFile(mounts, "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n"); }
+        ~Tables() {
+            std::remove(smbConf.c_str());
+            std::remove(mounts.c_str());
+        }
+    } written;
 
     const std::string input(reinterpret_cast<const char*>(data), size);
     const std::size_t nul = input.find('\0');
@@ -70,8 +91,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Util::TString uncName;
     Check(path.GetUNCName(uncName) == FileSystem::FilePath::CONVERTED && full == uncName.c_str());
 
+    // A share converts to its directory, a separator and the rest ('/' separators under a POSIX
+    // root); a share without a path (as IPC$ on Windows) succeeds and leaves the output alone.
     Util::TString local;
-    if (path.ConvertUNCToLocalPath(local).Succeeded())
-        Check(!local.IsEmpty());
+    if (path.ConvertUNCToLocalPath(local).Succeeded() && !local.IsEmpty()) {
+        const std::string l = Slashes(local.c_str()), tail = Slashes(r);
+        Check(l.size() > tail.size() && l.compare(l.size() - tail.size(), tail.size(), tail) == 0 &&
+              l[l.size() - tail.size() - 1] == '/');
+    }
     return 0;
 }
