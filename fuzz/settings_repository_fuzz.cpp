@@ -1,6 +1,7 @@
 // Loads arbitrary bytes as a settings repository: a file that loads must answer reads and
 // accept a write that reads back; one that does not must be moved aside, never changed.
 #include "Util/KeyValueStorage.h"
+#include "fuzz/scratch_dir.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,12 +14,7 @@
 namespace {
 
 const std::filesystem::path& Dir() {
-    static const std::filesystem::path dir = [] {
-        std::filesystem::path d = std::filesystem::temp_directory_path() /
-                                  ("zt_repository_fuzz_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(d);
-        return d;
-    }();
+    static const std::filesystem::path dir = ZtFuzz::ScratchDir() / "repository";
     return dir;
 }
 
