@@ -2,17 +2,17 @@
 // behind ConvertUNCToLocalPath. The input up to its first NUL is the path; what follows the NUL
 // is written as the Samba configuration the share lookup reads. The parts of a UNC path must
 // put the path back together, a path that is not UNC has no parts, and a converted share ends
-// in a backslash and the rest of the path.
+// in a separator and the rest of the path.
 #include "Util/FilePath.h"
 #include "Util/Ops.h"
 #include "Util/Win32Volume.h"
+#include "fuzz/scratch_dir.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -39,27 +39,16 @@ std::string Slashes(std::string text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    // The configuration is rewritten for every input: in memory (/dev/shm) where there is one.
-    static const std::string base =
-        (::access("/dev/shm", W_OK) == 0 ? "/dev/shm/unc_fuzz_" : "/tmp/unc_fuzz_") +
-        std::to_string(getpid());
-    static const std::string smbConf = base + ".conf";
-    static const std::string mounts = base + ".mounts";
+    static const std::string smbConf = (ZtFuzz::ScratchDir() / "smb.conf").string();
+    static const std::string mounts = (ZtFuzz::ScratchDir() / "mountinfo").string();
     static const bool tables = [] {
         // Operations never begin here: keep no early events, which would only pile up.
         Util::GetOps().SetPendingEventCapacity(0);
+        WriteFile(mounts, "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n");
         Util::Win32::SetNetworkTables(smbConf.c_str(), mounts.c_str());
         return true;
     }();
     (void)tables;
-    // Both files live only while an input runs (libFuzzer ends without running atexit).
-    struct Tables {
-        Tables() { WriteFile(mounts, "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n"); }
-        ~Tables() {
-            std::remove(smbConf.c_str());
-            std::remove(mounts.c_str());
-        }
-    } written;
 
     const std::string input(reinterpret_cast<const char*>(data), size);
     const std::size_t nul = input.find('\0');
