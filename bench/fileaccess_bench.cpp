@@ -1,7 +1,10 @@
 // The redirected fopen against the C library's: _Ztfopen + fclose with nobody subscribed to its
 // event, with no redirection rules and with a rule that applies, against fopen + fclose of the
-// same (real) file; and against the fopen_s it calls.
+// same (real) file; against the fopen_s it calls; and against the least a POSIX program must do
+// to refuse what Windows' fopen refuses (a directory opened for reading): fopen, fstat, fclose.
 #include <benchmark/benchmark.h>
+
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -95,6 +98,29 @@ void BM_Ours_FopenSFclose(benchmark::State& state) {
     BM_Ours_FopenFclose(state);
 }
 BENCHMARK(BM_Ours_FopenSFclose);
+
+void BM_Peer_FopenRefusingDirectory(benchmark::State& state) {
+    const Files& files = Setup();
+    for (auto _ : state) {
+        FILE* f = std::fopen(files.real.c_str(), "rbe");
+        struct stat info;
+        if (f != nullptr && (::fstat(::fileno(f), &info) != 0 || S_ISDIR(info.st_mode))) {
+            std::fclose(f);
+            f = nullptr;
+        }
+        if (f == nullptr) {
+            state.SkipWithError("the file did not open");
+            break;
+        }
+        std::fclose(f);
+    }
+}
+BENCHMARK(BM_Peer_FopenRefusingDirectory);
+
+void BM_Ours_FopenRefusingDirectory(benchmark::State& state) {
+    BM_Ours_FopenFclose(state);
+}
+BENCHMARK(BM_Ours_FopenRefusingDirectory);
 
 void BM_Peer_FopenFcloseRedirected(benchmark::State& state) {
     BM_Peer_FopenFclose(state);

@@ -2,6 +2,7 @@
 // load succeeds unless some line fills the line buffer, and every key that a section lists can
 // be read back.
 #include "Util/ConfigFile.h"
+#include "fuzz/scratch_dir.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,7 +33,7 @@ bool HasTooLongLine(const std::string& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const std::string path = "/tmp/configfile_fuzz_" + std::to_string(getpid()) + ".cfg";
+    static const std::string path = (ZtFuzz::ScratchDir() / "fuzz.cfg").string();
     std::string text(reinterpret_cast<const char*>(data), size);
     std::FILE* file = std::fopen(path.c_str(), "wb");
     if (file == nullptr)

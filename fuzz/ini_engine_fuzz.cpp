@@ -11,18 +11,14 @@
 #include <vector>
 
 #include "Util/Win32.h"
+#include "fuzz/scratch_dir.h"
 
 namespace W = Util::Win32;
 
 namespace {
 
 std::string FuzzFile() {
-    static const std::string path = [] {
-        char dir[] = "/tmp/zt_ini_fuzz_XXXXXX";
-        if (::mkdtemp(dir) == nullptr)
-            std::abort();
-        return std::string(dir) + "/fuzz.ini";
-    }();
+    static const std::string path = (ZtFuzz::ScratchDir() / "fuzz.ini").string();
     return path;
 }
 

@@ -1,6 +1,7 @@
 // Loads arbitrary bytes as a settings repository: a file that loads must answer reads and
 // accept a write that reads back; one that does not must be moved aside, never changed.
 #include "Util/KeyValueStorage.h"
+#include "fuzz/scratch_dir.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,19 +13,8 @@
 
 namespace {
 
-// Every write is flushed to disk before it counts, so on a disk-backed temporary directory each
-// run waits for the device. A memory file system, where there is one, keeps the harness fast.
 const std::filesystem::path& Dir() {
-    static const std::filesystem::path dir = [] {
-        std::error_code error;
-        const bool memory =
-            std::filesystem::is_directory("/dev/shm", error) && ::access("/dev/shm", W_OK) == 0;
-        const std::filesystem::path base =
-            memory ? std::filesystem::path("/dev/shm") : std::filesystem::temp_directory_path();
-        std::filesystem::path d = base / ("zt_repository_fuzz_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(d);
-        return d;
-    }();
+    static const std::filesystem::path dir = ZtFuzz::ScratchDir() / "repository";
     return dir;
 }
 

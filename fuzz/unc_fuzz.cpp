@@ -1,17 +1,18 @@
 // Feeds arbitrary bytes to the UNC splitting of FileSystem::FilePath and to the share lookup
 // behind ConvertUNCToLocalPath. The input up to its first NUL is the path; what follows the NUL
 // is written as the Samba configuration the share lookup reads. The parts of a UNC path must
-// put the path back together, a path that is not UNC has no parts, and a converted share is
-// never empty.
+// put the path back together, a path that is not UNC has no parts, and a converted share ends
+// in a separator and the rest of the path.
 #include "Util/FilePath.h"
+#include "Util/Ops.h"
 #include "Util/Win32Volume.h"
+#include "fuzz/scratch_dir.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -28,12 +29,21 @@ void WriteFile(const std::string& path, const std::string& text) {
     std::fclose(file);
 }
 
+std::string Slashes(std::string text) {
+    for (char& c : text)
+        if (c == '\\')
+            c = '/';
+    return text;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const std::string smbConf = "/tmp/unc_fuzz_" + std::to_string(getpid()) + ".conf";
-    static const std::string mounts = "/tmp/unc_fuzz_" + std::to_string(getpid()) + ".mounts";
+    static const std::string smbConf = (ZtFuzz::ScratchDir() / "smb.conf").string();
+    static const std::string mounts = (ZtFuzz::ScratchDir() / "mountinfo").string();
     static const bool tables = [] {
+        // Operations never begin here: keep no early events, which would only pile up.
+        Util::GetOps().SetPendingEventCapacity(0);
         WriteFile(mounts, "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n");
         Util::Win32::SetNetworkTables(smbConf.c_str(), mounts.c_str());
         return true;
@@ -70,8 +80,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Util::TString uncName;
     Check(path.GetUNCName(uncName) == FileSystem::FilePath::CONVERTED && full == uncName.c_str());
 
+    // A share converts to its directory, a separator and the rest ('/' separators under a POSIX
+    // root); a share without a path (as IPC$ on Windows) succeeds and leaves the output alone.
     Util::TString local;
-    if (path.ConvertUNCToLocalPath(local).Succeeded())
-        Check(!local.IsEmpty());
+    if (path.ConvertUNCToLocalPath(local).Succeeded() && !local.IsEmpty()) {
+        const std::string l = Slashes(local.c_str()), tail = Slashes(r);
+        Check(l.size() > tail.size() && l.compare(l.size() - tail.size(), tail.size(), tail) == 0 &&
+              l[l.size() - tail.size() - 1] == '/');
+    }
     return 0;
 }

@@ -11,7 +11,9 @@
 #include <chrono>
 #include <cstring>
 #include <ctime>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <unordered_map>
 
 namespace Norvane {
@@ -70,9 +72,13 @@ bool IsElement(const pugi::xml_node& node, const char* name) {
     return node.type() == pugi::node_element && std::strcmp(node.name(), name) == 0;
 }
 
+// An empty node when the document has no memory left for the element or its name.
 pugi::xml_node AppendNamed(pugi::xml_node parent, const char* element, const std::string& name) {
     pugi::xml_node child = parent.append_child(element);
-    child.append_attribute("name").set_value(name.c_str());
+    if (child && !child.append_attribute("name").set_value(name.c_str())) {
+        parent.remove_child(child);
+        return pugi::xml_node();
+    }
     return child;
 }
 
@@ -87,22 +93,39 @@ struct KeyValueStorageBase::Impl {
           keyMatch("IniFile[@name = $ini]/Section[@name = $section]/Key[@name = $key]",
                    &variables) {}
 
+    // A variable that cannot be added would make the queries fail to compile as if they
+    // were wrong; it is the memory that is missing.
     pugi::xpath_variable_set* Variables() {
-        variables.add("ini", pugi::xpath_type_string);
-        variables.add("section", pugi::xpath_type_string);
-        variables.add("key", pugi::xpath_type_string);
+        for (const char* name : {"ini", "section", "key"}) {
+            if (variables.add(name, pugi::xpath_type_string) == nullptr)
+                throw std::bad_alloc();
+        }
         return &variables;
     }
 
-    void SetVariables(const std::string& ini, const std::string& section, const std::string& key) {
-        variables.set("ini", ini.c_str());
-        variables.set("section", section.c_str());
-        variables.set("key", key.c_str());
+    // False when a value could not be stored: the queries must not run with the old ones.
+    bool SetVariables(const std::string& ini, const std::string& section, const std::string& key) {
+        return variables.set("ini", ini.c_str()) && variables.set("section", section.c_str()) &&
+               variables.set("key", key.c_str());
     }
 
-    void ResetToEmpty() {
-        doc.load_string(kEmptyRepository, kParseFlags);
+    bool ResetToEmpty() {
+        if (!doc->load_string(kEmptyRepository, kParseFlags)) {
+            Forget();
+            return false;
+        }
         BuildIndex();
+        return true;
+    }
+
+    // Drops the document, so that the next request reads the file again: after a change that
+    // could not be completed in memory, nothing of it may be served or written.
+    void Forget() {
+        loaded = false;
+        files.clear();
+        sections.clear();
+        keys.clear();
+        doc->reset();
     }
 
     // The index holds the first element of each name, in document order: what the XPath
@@ -111,7 +134,7 @@ struct KeyValueStorageBase::Impl {
         files.clear();
         sections.clear();
         keys.clear();
-        for (pugi::xml_node f : doc.document_element().children()) {
+        for (pugi::xml_node f : doc->document_element().children()) {
             if (!IsElement(f, "IniFile"))
                 continue;
             const std::string fn = f.attribute("name").value();
@@ -138,7 +161,8 @@ struct KeyValueStorageBase::Impl {
         lastCheck = std::chrono::steady_clock::now();
         if (!now.exists) {
             blocked = 0;
-            ResetToEmpty();
+            if (!ResetToEmpty())
+                return ERROR_NOT_ENOUGH_MEMORY;
             stamp = now;
             loaded = true;
             return 0;
@@ -150,12 +174,16 @@ struct KeyValueStorageBase::Impl {
         }
         if (error != 0)
             return error;
-        pugi::xml_document parsed;
+        auto parsed = std::make_unique<pugi::xml_document>();
         pugi::xml_parse_result result =
-            parsed.load_buffer(data.data(), data.size(), kParseFlags, pugi::encoding_auto);
-        if (result && IsElement(parsed.document_element(), kRoot)) {
+            parsed->load_buffer(data.data(), data.size(), kParseFlags, pugi::encoding_auto);
+        // A file that could not be parsed for want of memory is not damaged: it stays where it
+        // is, and the document in memory stays as it was.
+        if (result.status == pugi::status_out_of_memory)
+            return ERROR_NOT_ENOUGH_MEMORY;
+        if (result && IsElement(parsed->document_element(), kRoot)) {
             blocked = 0;
-            doc.reset(parsed);
+            doc.swap(parsed);
             BuildIndex();
             stamp = now;
             loaded = true;
@@ -195,7 +223,8 @@ struct KeyValueStorageBase::Impl {
                      "aside (error %lu); it is left as it is",
                      file.c_str(), reason, static_cast<unsigned long>(moveError));
         }
-        ResetToEmpty();
+        if (!ResetToEmpty())
+            return ERROR_NOT_ENOUGH_MEMORY;
         stamp = seen; // not reported again until the file changes
         loaded = true;
         blocked = moveError; // a damaged file still in place must not be written over
@@ -215,7 +244,7 @@ struct KeyValueStorageBase::Impl {
     }
 
     void RemoveAll(pugi::xpath_query& query, bool& changed) {
-        pugi::xpath_node_set found = query.evaluate_node_set(doc.document_element());
+        pugi::xpath_node_set found = query.evaluate_node_set(doc->document_element());
         for (const pugi::xpath_node& n : found) {
             pugi::xml_node node = n.node();
             node.parent().remove_child(node);
@@ -225,19 +254,23 @@ struct KeyValueStorageBase::Impl {
             BuildIndex();
     }
 
-    // Applies one write to the document; changed tells whether anything differs.
-    void Apply(const std::string& ini, const std::string& section, const char* key,
+    // Applies one write to the document; changed tells whether anything differs. False when
+    // the document ran out of memory on the way: it may then hold part of the change, and the
+    // caller forgets it. XPath evaluation reports the same by std::bad_alloc.
+    bool Apply(const std::string& ini, const std::string& section, const char* key,
                const char* value, bool& changed) {
         if (key == nullptr) {
-            SetVariables(ini, section, std::string());
+            if (!SetVariables(ini, section, std::string()))
+                return false;
             RemoveAll(sectionMatch, changed);
-            return;
+            return true;
         }
         const std::string k = Platform::ToUtf8(key);
         if (value == nullptr) {
-            SetVariables(ini, section, k);
+            if (!SetVariables(ini, section, k))
+                return false;
             RemoveAll(keyMatch, changed);
-            return;
+            return true;
         }
         const std::string v = Platform::ToUtf8(value);
         const std::string keyId = IndexKey(ini, section, k);
@@ -251,7 +284,9 @@ struct KeyValueStorageBase::Impl {
             if (f != files.end()) {
                 fileNode = f->second;
             } else {
-                fileNode = AppendNamed(doc.document_element(), "IniFile", ini);
+                fileNode = AppendNamed(doc->document_element(), "IniFile", ini);
+                if (!fileNode)
+                    return false;
                 files.emplace(IndexKey(ini), fileNode);
             }
             auto s = sections.find(IndexKey(ini, section));
@@ -259,28 +294,36 @@ struct KeyValueStorageBase::Impl {
                 sectionNode = s->second;
             } else {
                 sectionNode = AppendNamed(fileNode, "Section", section);
+                if (!sectionNode)
+                    return false;
                 sections.emplace(IndexKey(ini, section), sectionNode);
             }
             keyNode = AppendNamed(sectionNode, "Key", k);
+            if (!keyNode)
+                return false;
             keys.emplace(keyId, keyNode);
             changed = true;
         }
         pugi::xml_node valueNode = keyNode.child("Value");
         if (!valueNode) {
             valueNode = keyNode.append_child("Value");
+            if (!valueNode)
+                return false;
             changed = true;
         }
         if (changed || v != valueNode.child_value()) {
-            valueNode.text().set(v.c_str());
+            if (!valueNode.text().set(v.c_str()))
+                return false;
             changed = true;
         }
+        return true;
     }
 
     std::mutex mutex;
     Util::TString path;
     std::string file, lockFile;
     bool writable;
-    pugi::xml_document doc;
+    std::unique_ptr<pugi::xml_document> doc = std::make_unique<pugi::xml_document>();
     bool loaded = false;
     Platform::FileStamp stamp;
     std::chrono::steady_clock::time_point lastCheck;
@@ -343,9 +386,16 @@ long KeyValueStorageBase::Get(const KeyValueQuery& query, std::string& value) {
         const bool sectionsWanted = query.section == nullptr || *query.section == '\0';
         const std::string section =
             sectionsWanted ? std::string() : Platform::ToUtf8(query.section);
-        impl.SetVariables(ini, section, std::string());
-        pugi::xpath_node_set names = (sectionsWanted ? impl.sectionList : impl.keyList)
-                                         .evaluate_node_set(impl.doc.document_element());
+        pugi::xpath_node_set names;
+        try {
+            if (!impl.SetVariables(ini, section, std::string()))
+                throw std::bad_alloc();
+            names = (sectionsWanted ? impl.sectionList : impl.keyList)
+                        .evaluate_node_set(impl.doc->document_element());
+        } catch (const std::bad_alloc&) {
+            t_lastFailure = ERROR_NOT_ENOUGH_MEMORY;
+            return kKvFailed;
+        }
         for (const pugi::xpath_node& n : names) {
             value += Platform::FromUtf8(n.node().attribute("name").value());
             value.push_back('\0');
@@ -379,13 +429,26 @@ long KeyValueStorageBase::Set(const KeyValueQuery& query, const char* value) {
         error = impl.blocked;
     if (error == 0) {
         bool changed = false;
-        impl.Apply(Platform::ToUtf8(query.iniName), Platform::ToUtf8(query.section), query.key,
-                   value, changed);
-        if (!changed)
-            return kKvFound;
+        bool applied = false;
         StringWriter out;
-        impl.doc.save(out, "", pugi::format_raw | pugi::format_write_bom, pugi::encoding_utf16_le);
-        error = Platform::WriteFileDurably(impl.file, out.data);
+        try {
+            applied = impl.Apply(Platform::ToUtf8(query.iniName), Platform::ToUtf8(query.section),
+                                 query.key, value, changed);
+            if (applied && changed)
+                impl.doc->save(out, "", pugi::format_raw | pugi::format_write_bom,
+                               pugi::encoding_utf16_le);
+        } catch (const std::bad_alloc&) {
+            applied = false;
+        }
+        if (!applied) {
+            // Part of the change may be in the document: the file is left as it was.
+            impl.Forget();
+            error = ERROR_NOT_ENOUGH_MEMORY;
+        } else if (!changed) {
+            return kKvFound;
+        } else {
+            error = Platform::WriteFileDurably(impl.file, out.data);
+        }
         if (error == 0) {
             impl.seenWrites = impl.writes->fetch_add(1, std::memory_order_acq_rel) + 1;
             impl.stamp = Platform::StampOf(impl.file);

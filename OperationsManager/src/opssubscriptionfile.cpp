@@ -242,6 +242,13 @@ Status OpsSubscriptionFileManager::ParseText(
     pugi::xml_document document;
     const pugi::xml_parse_result parsed =
         document.load_buffer(text, length, pugi::parse_default | pugi::parse_ws_pcdata_single);
+    if (parsed.status == pugi::status_out_of_memory) {
+        // The file may well be sound: say what failed, not that the file is malformed.
+        Status status(Status::GetAllocFailed().GetStatusCode(),
+                      "Subscription file \"%FileName%\" cannot be parsed: Memory failure");
+        status.SetAttribute("FileName", file.c_str());
+        return status;
+    }
     if (!parsed)
         return failure(LineOf(text, length, parsed.offset), parsed.description());
     const pugi::xml_node root = document.document_element();

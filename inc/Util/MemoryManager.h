@@ -32,10 +32,13 @@ ZTUTIL_API IMemoryManager& GetMemoryManager();
 // SetAllocationFailureCountdown(n), the nth allocation from then on fails as if the system had
 // no memory left, once; 0 switches the injection off (the state at start). The allocation points
 // that count are the memory manager's Allocate, new entries of the status pool, the texts of
-// expression values, the expression parser's nodes, the blocks of a BlockStringCache and the
-// buffers of a Base64Coder. Each fails in its documented way: a null block, std::bad_alloc from
-// a status that cannot get a pool entry, PNS_OUT_OF_MEMORY from a parse or an evaluation,
-// AllocFailed from the string cache, an empty Base64 result. AllocationFailureInjected tells
+// expression values, the expression parser's nodes, the blocks of a BlockStringCache, the
+// buffers of a Base64Coder and the XML documents of the settings repositories and subscription
+// files (the library's own copy of pugixml allocates through the memory manager). Each fails in
+// its documented way: a null block, std::bad_alloc from a status that cannot get a pool entry,
+// PNS_OUT_OF_MEMORY from a parse or an evaluation, AllocFailed from the string cache, an empty
+// Base64 result, a failed settings request (E_FAIL, Win32 error 8) that leaves the repository
+// file as it was, a subscription file status of code -7. AllocationFailureInjected tells
 // whether the countdown has fired since it was last set. The countdown is process-wide: tests
 // that use it run one thread at a time.
 ZTUTIL_API void SetAllocationFailureCountdown(std::size_t n);

@@ -14,8 +14,8 @@
 // of plain characters and '*' (the usual "*.txt", "ledger_*.dat") run in one pass with a single
 // backtracking point; the others through a small automaton. A prepared pattern is immutable and
 // may be used from several threads at once. MatchesWin32Wildcard keeps the last pattern it was
-// given prepared per thread; it allocates nothing for names up to 255 bytes once the pattern is
-// prepared.
+// given prepared per thread. Matching a prepared pattern allocates nothing (for automaton
+// patterns, up to 299 characters).
 #pragma once
 
 #include "Util/Export.h"
