@@ -46,6 +46,13 @@ const fs::path& ScratchDir() {
         fs::create_directories(d);
         return d;
     }();
+    // Built after dir, so gone before it: the directory goes when the program ends.
+    static const struct Remover {
+        ~Remover() {
+            std::error_code ignored;
+            fs::remove_all(dir, ignored);
+        }
+    } remover;
     return dir;
 }
 
